@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "Core/QVLog.h"
+
+#include <atomic>
+
+namespace
+{
+std::atomic<IQVLogSink*> CurrentSink{nullptr};
+}
+
+IQVLogSink* FQVLog::SetSink(IQVLogSink* Sink)
+{
+	return CurrentSink.exchange(Sink);
+}
+
+void FQVLog::WriteAs(std::string_view LineCategory, EQVLogVerbosity Verbosity, std::string_view Text)
+{
+	if (IQVLogSink* Sink = CurrentSink.load())
+	{
+		Sink->Write(LineCategory, Verbosity, Text);
+	}
+}
+
+std::string_view FQVLog::Word(EQVLogVerbosity Verbosity)
+{
+	constexpr std::string_view Words[] = {"Error", "Warning", "Log", "Verbose"};
+	return Words[static_cast<int>(Verbosity)];
+}

@@ -1,0 +1,132 @@
+// SPDX-License-Identifier: MIT
+#include "Core/QVString.h"
+
+#include <algorithm>
+
+namespace
+{
+bool EqualFolded(char A, char B)
+{
+	return FQVString::ToLower(A) == FQVString::ToLower(B);
+}
+
+template<class FindType>
+std::string ReplaceWith(std::string_view Text, std::string_view From, std::string_view To, FindType Find)
+{
+	std::string Result;
+	Result.reserve(Text.size());
+	while (!From.empty())
+	{
+		const std::size_t Found = Find(Text, From);
+		if (Found == std::string_view::npos)
+		{
+			break;
+		}
+		Result.append(Text.substr(0, Found)).append(To);
+		Text.remove_prefix(Found + From.size());
+	}
+	return Result.append(Text);
+}
+} // namespace
+
+std::string FQVString::ToLower(std::string_view Text)
+{
+	std::string Result(Text);
+	std::transform(Result.begin(), Result.end(), Result.begin(), [](char Letter) { return ToLower(Letter); });
+	return Result;
+}
+
+bool FQVString::EqualsIgnoreCase(std::string_view A, std::string_view B)
+{
+	return std::equal(A.begin(), A.end(), B.begin(), B.end(), EqualFolded);
+}
+
+int FQVString::CompareIgnoreCase(std::string_view A, std::string_view B)
+{
+	const std::size_t Shared = std::min(A.size(), B.size());
+	for (std::size_t Index = 0; Index < Shared; ++Index)
+	{
+		const auto Left = static_cast<unsigned char>(ToLower(A[Index]));
+		const auto Right = static_cast<unsigned char>(ToLower(B[Index]));
+		if (Left != Right)
+		{
+			return Left < Right ? -1 : 1;
+		}
+	}
+	return A.size() == B.size() ? 0 : A.size() < B.size() ? -1 : 1;
+}
+
+bool FQVString::StartsWithIgnoreCase(std::string_view Text, std::string_view Prefix)
+{
+	return Text.size() >= Prefix.size() && EqualsIgnoreCase(Text.substr(0, Prefix.size()), Prefix);
+}
+
+bool FQVString::EndsWithIgnoreCase(std::string_view Text, std::string_view Suffix)
+{
+	return Text.size() >= Suffix.size() && EqualsIgnoreCase(Text.substr(Text.size() - Suffix.size()), Suffix);
+}
+
+std::size_t FQVString::FindIgnoreCase(std::string_view Text, std::string_view Needle)
+{
+	const auto Found = std::search(Text.begin(), Text.end(), Needle.begin(), Needle.end(), EqualFolded);
+	return Found == Text.end() && !Needle.empty() ? std::string_view::npos
+												  : static_cast<std::size_t>(Found - Text.begin());
+}
+
+std::size_t FQVString::FindLastIgnoreCase(std::string_view Text, std::string_view Needle)
+{
+	const auto Found = std::find_end(Text.begin(), Text.end(), Needle.begin(), Needle.end(), EqualFolded);
+	return Found == Text.end() ? std::string_view::npos : static_cast<std::size_t>(Found - Text.begin());
+}
+
+bool FQVString::ContainsIgnoreCase(std::string_view Text, std::string_view Needle)
+{
+	return FindIgnoreCase(Text, Needle) != std::string_view::npos;
+}
+
+std::string FQVString::ReplaceAll(std::string_view Text, std::string_view From, std::string_view To)
+{
+	return ReplaceWith(Text, From, To, [](std::string_view In, std::string_view Needle) { return In.find(Needle); });
+}
+
+std::string FQVString::ReplaceAllIgnoreCase(std::string_view Text, std::string_view From, std::string_view To)
+{
+	return ReplaceWith(Text, From, To, FindIgnoreCase);
+}
+
+std::string FQVString::Join(std::span<const std::string> Parts, std::string_view Separator)
+{
+	std::string Result;
+	for (std::size_t Index = 0; Index < Parts.size(); ++Index)
+	{
+		Result.append(Index == 0 ? std::string_view() : Separator).append(Parts[Index]);
+	}
+	return Result;
+}
+
+std::vector<std::string_view> FQVString::NonEmptyLines(std::string_view Text)
+{
+	std::vector<std::string_view> Lines;
+	while (!Text.empty())
+	{
+		const std::size_t End = std::min(Text.find_first_of("\r\n"), Text.size());
+		if (End > 0)
+		{
+			Lines.push_back(Text.substr(0, End));
+		}
+		Text.remove_prefix(std::min(End + 1, Text.size()));
+	}
+	return Lines;
+}
+
+std::string_view FQVString::LastCharacters(std::string_view Text, std::size_t Count)
+{
+	std::size_t Start = Text.size();
+	while (Start > 0 && Count > 0)
+	{
+		--Start;
+		const bool bContinuation = (static_cast<unsigned char>(Text[Start]) & 0xC0) == 0x80;
+		Count -= bContinuation ? 0 : 1;
+	}
+	return Text.substr(Start);
+}

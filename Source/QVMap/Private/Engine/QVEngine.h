@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+class IQVClock;
+class IQVDialogs;
+class IQVEditor;
+class IQVFiles;
+class IQVGameThread;
+class IQVJsonReader;
+class IQVPackages;
+class IQVPlugins;
+class IQVProcesses;
+class IQVProject;
+class IQVRegistryFile;
+
+/**
+ * The engine that the toolkit runs in. Whoever starts the program fills one and installs it once, before any other
+ * thread runs; the toolkit's static classes reach for it. Owns nothing: what it points to outlives it.
+ */
+struct FQVEngine
+{
+	IQVClock* Clock = nullptr;
+	IQVDialogs* Dialogs = nullptr;
+	IQVEditor* Editor = nullptr;
+	IQVFiles* Files = nullptr;
+	IQVGameThread* GameThread = nullptr;
+	IQVJsonReader* JsonReader = nullptr;
+	IQVPackages* Packages = nullptr;
+	IQVPlugins* Plugins = nullptr;
+	IQVProcesses* Processes = nullptr;
+	IQVProject* Project = nullptr;
+	IQVRegistryFile* RegistryFile = nullptr;
+
+	static const FQVEngine& Get();
+	/** Null uninstalls. The engine is not copied. */
+	static void Install(const FQVEngine* Engine);
+};

@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <string>
+
+/** Where project and engine lie, and which engine it is. Full paths with forward slashes, no slash at the end. */
+class IQVProject
+{
+public:
+	virtual ~IQVProject() = default;
+
+	virtual std::string ProjectDir() const = 0;
+	/** The `.uproject` file. */
+	virtual std::string GetProjectFilePath() const = 0;
+	virtual std::string EngineDir() const = 0;
+	/** Down to the patch component: "5.4.4". */
+	virtual std::string EngineVersion() const = 0;
+	/** File name of a release's development registry. */
+	virtual std::string DevelopmentAssetRegistryFilename() const = 0;
+};

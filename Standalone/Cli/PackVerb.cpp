@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "Core/QVString.h"
+#include "Core/QVText.h"
+#include "Export/QVMapLastExport.h"
+#include "Export/QVMapPipeline.h"
+#include "Standalone/Cli/NearestWord.h"
+#include "Standalone/Cli/Session.h"
+#include "Standalone/Cli/StandInNote.h"
+#include "Workspace/QVMapPaths.h"
+
+namespace QVCli
+{
+namespace
+{
+constexpr std::int32_t ExportVersion = 1;
+
+struct FPackOptions
+{
+	std::string Mod;
+	std::string StartMap;
+};
+
+/** The map's game path, from its name, package name or game path; empty if the mod has no such map. */
+std::string ResolveStartMap(const FQVModInfo& Mod, std::string_view Wanted)
+{
+	for (const FQVMapInfo& Map : Mod.Maps)
+	{
+		for (const std::string& Name : {Map.Name, Map.CookPath, Map.GamePath})
+		{
+			if (FQVString::EqualsIgnoreCase(Name, Wanted))
+			{
+				return Map.GamePath;
+			}
+		}
+	}
+	return {};
+}
+
+std::vector<std::string> ModNames(const FQVScanResult& Scan)
+{
+	std::vector<std::string> Names;
+	for (const FQVModInfo& Mod : Scan.Mods)
+	{
+		Names.push_back(Mod.Name);
+	}
+	return Names;
+}
+
+/** Turns what the user typed into what the export takes; false, with the error told, if that cannot be. */
+bool ResolveArguments(FConsole& Console, FPackOptions& Options)
+{
+	const FQVScanResult Scan = FQVMapScanner::ScanMods();
+	const FQVModInfo* Mod = Scan.Find(Options.Mod);
+	if (Mod == nullptr)
+	{
+		// what exactly is wrong with it, the export says better; a likely typing mistake is for us to see
+		const std::string Nearest = NearestWord(Options.Mod, ModNames(Scan));
+		if (!Nearest.empty())
+		{
+			Console.Say(QVPrintf("there is no mod '%s' with maps; did you mean '%s'?", Options.Mod, Nearest));
+		}
+		return true;
+	}
+	Options.Mod = Mod->Name;
+	if (Options.StartMap.empty())
+	{
+		return true;
+	}
+	const std::string StartMap = ResolveStartMap(*Mod, Options.StartMap);
+	if (StartMap.empty())
+	{
+		Console.Fail(QVPrintf("%s has no map '%s': see qvmap maps", Mod->Name, Options.StartMap));
+		return false;
+	}
+	Options.StartMap = StartMap;
+	return true;
+}
+
+FQVJson ToJson(const FPackOptions& Options, const FQVExportResult& Result, const FQVLastExportRecord& Record)
+{
+	const FQVPakContentSummary& Content = Result.Content;
+	return FQVJson::Object()
+		.Set("schema_version", 1)
+		.Set("mod", Options.Mod)
+		.Set("success", Result.bSuccess)
+		.Set("failed_stage", Record.FailedStage)
+		.Set("error", Result.ErrorMessage)
+		.Set("pak", Result.PakPath)
+		.Set("pak_bytes", Content.PakBytes)
+		.Set("files", Content.FileCount)
+		.Set("map_files", Content.MapFiles)
+		.Set("payload_files", Content.PayloadFiles)
+		.Set("shader_archives", Content.ShaderArchives)
+		.Set("files_skipped", Record.FilesSkipped)
+		.Set("unpackable_files", FQVJson::Array(Content.UnpackableFiles))
+		.Set("log", Record.LogPath);
+}
+
+void PrintText(FConsole& Console, const FQVExportResult& Result, const FQVLastExportRecord& Record)
+{
+	Console.Result(QVPrintf("pak  %s", Result.PakPath));
+	Console.Result(QVPrintf("     %s", Result.Content.Describe()));
+	Console.Result(QVPrintf("log  %s", Record.LogPath.empty() ? "(could not be written)" : Record.LogPath));
+}
+
+void TellFailure(FSession& Session, const FQVExportResult& Result, const FQVLastExportRecord& Record)
+{
+	const bool bToolRan = Record.FailedStage == "cooking" || Record.FailedStage == "packing";
+	Session.Console.Fail(Result.ErrorMessage, bToolRan ? Session.ToolOutput.LastLines() : std::vector<std::string>());
+	if (Result.ErrorMessage.find("Build Base Release") != std::string::npos)
+	{
+		Session.Console.Say("  fix: qvmap base-release build");
+	}
+}
+
+EExitCode Pack(FCommandLine& Line, FPackOptions Options)
+{
+	const std::unique_ptr<FSession> Session = FSession::Open(Line);
+	if (Session == nullptr || !ResolveArguments(Session->Console, Options))
+	{
+		return EExitCode::Failed;
+	}
+	FConsole& Console = Session->Console;
+	FQVExportResult Result;
+	const FQVExportProgress Progress([&Console](std::string_view Stage, float Fraction, std::string_view Message)
+		{ Console.Progress(Stage, Fraction, Message); });
+	Session->RunBlocking(
+		[&] { Result = FQVMapPipeline::ExportMod(Options.Mod, ExportVersion, {}, Progress, Options.StartMap); });
+
+	FQVLastExportRecord Record;
+	FQVMapLastExport::ReadLastExportRecord(Record);
+	if (Line.Options.bJson)
+	{
+		Console.Document(ToJson(Options, Result, Record));
+	}
+	if (!Result.bSuccess)
+	{
+		TellFailure(*Session, Result, Record);
+		return EExitCode::Failed;
+	}
+	Console.Succeed();
+	if (Result.Content.HasProblem())
+	{
+		Console.Warn("the pak may not work:\n" + Result.Content.DescribeProblems());
+	}
+	SayIfStandIn(*Session);
+	if (!Line.Options.bJson)
+	{
+		PrintText(Console, Result, Record);
+	}
+	return EExitCode::Done;
+}
+} // namespace
+
+void AddPackVerb(FCommandLine& Line)
+{
+	const auto Options = std::make_shared<FPackOptions>();
+	CLI::App* Verb = Line.AddVerb(Line.App, "pack", "Cooks a mod and packs it into one .pak", "qvmap pack Harbor",
+		[&Line, Options] { return Pack(Line, *Options); });
+	Verb->add_option("mod", Options->Mod, "The mod: a folder's name below Plugins")->required()->type_name("MOD");
+	Verb->add_option("--start-map", Options->StartMap, "The map that the game starts with, one of the mod's")
+		->type_name("MAP");
+	Line.AddFormat(*Verb);
+}
+} // namespace QVCli

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "Standalone/Cli/Session.h"
+
+#include "Core/QVPath.h"
+#include "Standalone/Cli/TypedPath.h"
+#include "Standalone/Engine/EngineLocator.h"
+#include "Standalone/Engine/ExecutablePath.h"
+#include "Standalone/Engine/OsPath.h"
+#include "Standalone/Engine/ProjectLocator.h"
+
+#include <cstdlib>
+
+namespace QVCli
+{
+using namespace QVStandalone;
+
+namespace
+{
+std::string EnvironmentValue(const char* Name)
+{
+	const char* Value = std::getenv(Name);
+	return Value != nullptr ? Value : "";
+}
+
+FEngineLocation LocateEngine(const FGlobalOptions& Options, const std::string& ProjectFile)
+{
+	FEngineSearch Search;
+	Search.Named = FullPath(Options.Engine);
+	Search.FromEnvironment = FullPath(EnvironmentValue("QVMAP_ENGINE_DIR"));
+	Search.ProjectFile = ProjectFile;
+	Search.Bundled = FQVPath::Combine(FQVPath::GetPath(ExecutablePath()), "Engine");
+	return FindEngine(Search);
+}
+} // namespace
+
+std::unique_ptr<FSession> FSession::Open(FCommandLine& Line)
+{
+	const FProjectLocation Project = Line.Options.Project.empty() ? FindProjectAbove(FullPath("."))
+																  : FindNamedProject(FullPath(Line.Options.Project));
+	if (Project.ProjectFile.empty())
+	{
+		Line.Console.Fail(Project.Error);
+		return nullptr;
+	}
+	const FEngineLocation Engine = LocateEngine(Line.Options, Project.ProjectFile);
+	for (const FEngineAttempt& Attempt : Engine.Tried)
+	{
+		if (Line.Options.bVerbose)
+		{
+			Line.Console.Say(QVPrintf("engine: %s: %s", Attempt.Where, Attempt.Outcome));
+		}
+	}
+	if (!Engine.Error.empty())
+	{
+		Line.Console.Fail(Engine.Error);
+		return nullptr;
+	}
+	return std::unique_ptr<FSession>(
+		new FSession(Line.Console, Project.ProjectFile, Engine.EngineDir, Engine.bBundled));
+}
+
+FSession::FSession(FConsole& InConsole, const std::string& ProjectFile, const std::string& EngineDir, bool bBundled)
+	: Console(InConsole)
+	, bBundledEngine(bBundled)
+	, Engine(ProjectFile, EngineDir)
+	, ToolOutput(*Engine.Interfaces.Processes)
+	, Log(&InConsole)
+{
+	Engine.Interfaces.Processes = &ToolOutput;
+	Log.SetPath(ToOsPath(FQVPath::Combine(FQVPath::GetPath(ProjectFile), "Saved/Logs/QVMap.log")));
+	FQVLog::SetSink(&Log);
+}
+
+FSession::~FSession()
+{
+	FQVLog::SetSink(nullptr);
+}
+} // namespace QVCli

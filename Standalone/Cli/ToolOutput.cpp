@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "Standalone/Cli/ToolOutput.h"
+
+#include "Core/QVString.h"
+
+namespace QVCli
+{
+namespace
+{
+constexpr std::size_t TailBytes = 8 * 1024;
+constexpr std::size_t MostLines = 10;
+} // namespace
+
+std::vector<std::string> FToolOutput::LastLines() const
+{
+	const std::vector<std::string_view> Lines = FQVString::NonEmptyLines(Tail);
+	const std::size_t First = Lines.size() > MostLines ? Lines.size() - MostLines : 0;
+	return {Lines.begin() + static_cast<std::ptrdiff_t>(First), Lines.end()};
+}
+
+FQVProcHandle FToolOutput::CreateProc(std::string_view Program, std::string_view Arguments, const FQVPipe& Output)
+{
+	Tail.clear();
+	return Inner.CreateProc(Program, Arguments, Output);
+}
+
+std::string FToolOutput::ReadPipe(FQVPipe& Pipe)
+{
+	std::string Text = Inner.ReadPipe(Pipe);
+	Tail += Text;
+	if (Tail.size() > 2 * TailBytes)
+	{
+		Tail.erase(0, Tail.find('\n', Tail.size() - TailBytes));
+	}
+	return Text;
+}
+} // namespace QVCli

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Engine/QVProcesses.h"
+
+#include <string>
+#include <vector>
+
+namespace QVCli
+{
+/** Stands in front of the engine's processes and remembers what the last child wrote, for the user to read if it fails.
+ */
+class FToolOutput : public IQVProcesses
+{
+public:
+	explicit FToolOutput(IQVProcesses& InInner)
+		: Inner(InInner)
+	{
+	}
+
+	/** The newest lines of the last child, the oldest of them first. */
+	std::vector<std::string> LastLines() const;
+
+	FQVPipe CreatePipe() override { return Inner.CreatePipe(); }
+	FQVProcHandle CreateProc(std::string_view Program, std::string_view Arguments, const FQVPipe& Output) override;
+	bool IsProcRunning(FQVProcHandle& Process) override { return Inner.IsProcRunning(Process); }
+	std::string ReadPipe(FQVPipe& Pipe) override;
+	bool GetProcReturnCode(FQVProcHandle& Process, int& OutCode) override
+	{
+		return Inner.GetProcReturnCode(Process, OutCode);
+	}
+	void CloseProc(FQVProcHandle& Process) override { Inner.CloseProc(Process); }
+	void ClosePipe(FQVPipe& Pipe) override { Inner.ClosePipe(Pipe); }
+	void Sleep(double Seconds) override { Inner.Sleep(Seconds); }
+
+private:
+	IQVProcesses& Inner;
+	std::string Tail;
+};
+} // namespace QVCli

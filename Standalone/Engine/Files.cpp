@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: MIT
+#include "Standalone/Engine/Files.h"
+
+#include "Standalone/Engine/EngineLog.h"
+#include "Standalone/Engine/OsFile.h"
+#include "Standalone/Engine/OsPath.h"
+#include "Standalone/Engine/TextEncoding.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <fstream>
+#include <set>
+
+namespace fs = std::filesystem;
+
+namespace QVStandalone
+{
+namespace
+{
+/** True if there was no error; else says, in the log, what could not be done and why. */
+bool Succeeded(const std::error_code& Error, std::string_view Path, std::string_view Action)
+{
+	if (Error)
+	{
+		LogEngine(EQVLogVerbosity::Warning, "%s could not be %s: %s", Path, Action, Error.message());
+	}
+	return !Error;
+}
+
+std::error_code ReadAll(const fs::path& Path, std::string& OutBytes)
+{
+	errno = 0;
+	std::ifstream File(Path, std::ios::binary);
+	char Buffer[16 * 1024];
+	while (File.read(Buffer, sizeof(Buffer)), File.gcount() > 0)
+	{
+		OutBytes.append(Buffer, static_cast<std::size_t>(File.gcount()));
+	}
+	return File.eof() ? std::error_code() : std::error_code(errno != 0 ? errno : EIO, std::generic_category());
+}
+
+struct FListed
+{
+	fs::path Path;
+	bool bIsDirectory = false;
+};
+
+std::vector<FListed> ListSorted(const fs::path& Folder)
+{
+	std::vector<FListed> Entries;
+	std::error_code Error;
+	for (fs::directory_iterator Each(Folder, Error), End; !Error && Each != End; Each.increment(Error))
+	{
+		std::error_code Ignored;
+		Entries.push_back({Each->path(), Each->is_directory(Ignored)});
+	}
+	std::sort(Entries.begin(), Entries.end(), [](const FListed& A, const FListed& B) { return A.Path < B.Path; });
+	return Entries;
+}
+
+/** Walks a tree depth first, a folder before what it holds; remembers linked folders, so that a loop ends. */
+class FTreeWalk
+{
+public:
+	explicit FTreeWalk(const IQVFiles::FVisitor& InVisitor)
+		: Visitor(InVisitor)
+	{
+	}
+
+	bool Walk(const fs::path& Folder)
+	{
+		for (const FListed& Entry : ListSorted(Folder))
+		{
+			if (!Visitor(FromOsPath(Entry.Path), Entry.bIsDirectory))
+			{
+				return false;
+			}
+			if (Entry.bIsDirectory && IsFirstVisit(Entry.Path) && !Walk(Entry.Path))
+			{
+				return false;
+			}
+		}
+		return true;
+	}
+
+private:
+	const IQVFiles::FVisitor& Visitor;
+	std::set<fs::path> LinkTargets;
+
+	bool IsFirstVisit(const fs::path& Folder)
+	{
+		std::error_code Error;
+		if (!fs::is_symlink(Folder, Error))
+		{
+			return true;
+		}
+		const fs::path Target = fs::canonical(Folder, Error);
+		const fs::path Parent = fs::canonical(Folder.parent_path(), Error);
+		const auto [Mismatch, Unused] = std::mismatch(Target.begin(), Target.end(), Parent.begin(), Parent.end());
+		const bool bLeadsUpward = Mismatch == Target.end();
+		return !Error && !bLeadsUpward && LinkTargets.insert(Target).second;
+	}
+};
+} // namespace
+
+bool FFiles::FileExists(std::string_view Path) const
+{
+	std::error_code Error;
+	return fs::is_regular_file(ToOsPath(Path), Error);
+}
+
+bool FFiles::DirectoryExists(std::string_view Path) const
+{
+	std::error_code Error;
+	return fs::is_directory(ToOsPath(Path), Error);
+}
+
+std::int64_t FFiles::FileSize(std::string_view Path) const
+{
+	std::error_code Error;
+	const std::uintmax_t Size = fs::file_size(ToOsPath(Path), Error);
+	return Error ? -1 : static_cast<std::int64_t>(Size);
+}
+
+FQVDateTime FFiles::GetTimeStamp(std::string_view Path) const
+{
+	std::error_code Error;
+	const fs::file_time_type Time = fs::last_write_time(ToOsPath(Path), Error);
+	if (Error)
+	{
+		return {};
+	}
+	const auto SinceEpoch = std::chrono::file_clock::to_sys(Time).time_since_epoch();
+	return FQVDateTime::FromUnixSeconds(0, std::chrono::duration_cast<std::chrono::nanoseconds>(SinceEpoch).count());
+}
+
+void FFiles::IterateDirectory(std::string_view Path, const FVisitor& Visitor) const
+{
+	for (const FListed& Entry : ListSorted(ToOsPath(Path)))
+	{
+		if (!Visitor(FromOsPath(Entry.Path), Entry.bIsDirectory))
+		{
+			return;
+		}
+	}
+}
+
+void FFiles::IterateDirectoryRecursively(std::string_view Path, const FVisitor& Visitor) const
+{
+	FTreeWalk(Visitor).Walk(ToOsPath(Path));
+}
+
+bool FFiles::CreateDirectoryTree(std::string_view Path)
+{
+	std::error_code Error;
+	fs::create_directories(ToOsPath(Path), Error);
+	return Succeeded(Error, Path, "created") && DirectoryExists(Path);
+}
+
+bool FFiles::DeleteDirectory(std::string_view Path)
+{
+	std::error_code Error;
+	fs::remove_all(ToOsPath(Path), Error);
+	return Succeeded(Error, Path, "deleted");
+}
+
+bool FFiles::DeleteFile(std::string_view Path)
+{
+	if (DirectoryExists(Path))
+	{
+		return Succeeded(std::make_error_code(std::errc::is_a_directory), Path, "deleted");
+	}
+	std::error_code Error;
+	const bool bDeleted = fs::remove(ToOsPath(Path), Error);
+	return Succeeded(Error, Path, "deleted") && bDeleted;
+}
+
+bool FFiles::Move(std::string_view To, std::string_view From)
+{
+	return Succeeded(MoveFileOver(ToOsPath(To), ToOsPath(From)), From, "renamed");
+}
+
+bool FFiles::LoadFileToString(std::string& OutText, std::string_view Path) const
+{
+	std::error_code Error;
+	if (!fs::exists(ToOsPath(Path), Error))
+	{
+		return false;
+	}
+	std::string Bytes;
+	if (!Succeeded(ReadAll(ToOsPath(Path), Bytes), Path, "read"))
+	{
+		return false;
+	}
+	OutText = DecodeText(Bytes);
+	return true;
+}
+
+bool FFiles::SaveStringToFile(std::string_view Text, std::string_view Path)
+{
+	return Succeeded(ReplaceFile(ToOsPath(Path), EncodeText(Text)), Path, "written");
+}
+} // namespace QVStandalone

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Engine/QVFiles.h"
+
+namespace QVStandalone
+{
+/** Files on disk. Listings come sorted by name, so that two runs tell the same story; nobody may depend on it. */
+class FFiles : public IQVFiles
+{
+public:
+	bool FileExists(std::string_view Path) const override;
+	bool DirectoryExists(std::string_view Path) const override;
+	std::int64_t FileSize(std::string_view Path) const override;
+	FQVDateTime GetTimeStamp(std::string_view Path) const override;
+	void IterateDirectory(std::string_view Path, const FVisitor& Visitor) const override;
+	void IterateDirectoryRecursively(std::string_view Path, const FVisitor& Visitor) const override;
+	bool CreateDirectoryTree(std::string_view Path) override;
+	bool DeleteDirectory(std::string_view Path) override;
+	bool DeleteFile(std::string_view Path) override;
+	bool Move(std::string_view To, std::string_view From) override;
+	bool LoadFileToString(std::string& OutText, std::string_view Path) const override;
+	bool SaveStringToFile(std::string_view Text, std::string_view Path) override;
+};
+} // namespace QVStandalone

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Engine/QVEngine.h"
+#include "Standalone/Engine/Clock.h"
+#include "Standalone/Engine/Editor.h"
+#include "Standalone/Engine/Files.h"
+#include "Standalone/Engine/GameThread.h"
+#include "Standalone/Engine/JsonReader.h"
+#include "Standalone/Engine/Packages.h"
+#include "Standalone/Engine/Plugins.h"
+#include "Standalone/Engine/Processes.h"
+#include "Standalone/Engine/Project.h"
+#include "Standalone/Engine/RegistryFile.h"
+
+namespace QVStandalone
+{
+/**
+ * The engine over the files of one mapping project, with no Unreal process running. Made on the thread that is to be
+ * the game thread; installed for the toolkit as long as it lives. One at a time.
+ */
+class FStandaloneEngine
+{
+public:
+	/** Full paths of the `.uproject` and of the engine's folder. */
+	FStandaloneEngine(const std::string& ProjectFile, const std::string& EngineDir);
+	FStandaloneEngine(const FStandaloneEngine&) = delete;
+	FStandaloneEngine& operator=(const FStandaloneEngine&) = delete;
+	~FStandaloneEngine();
+
+	FGameThread& GetGameThread() { return GameThread; }
+	const FPackages& GetPackages() const { return Packages; }
+	const FPlugins& GetPlugins() const { return Plugins; }
+
+	/** The interfaces, to be exchanged one by one: a test puts its own in front of ours. */
+	FQVEngine Interfaces;
+
+private:
+	FProject Project;
+	FPlugins Plugins;
+	FPackages Packages;
+	FClock Clock;
+	FNoDialogs Dialogs;
+	FEditor Editor;
+	FFiles Files;
+	FJsonReader JsonReader;
+	FProcesses Processes;
+	FRegistryFile RegistryFile;
+	FGameThread GameThread; // last: its threads use all the others
+};
+} // namespace QVStandalone

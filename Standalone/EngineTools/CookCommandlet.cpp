@@ -1,0 +1,251 @@
+// SPDX-License-Identifier: MIT
+#include "Standalone/EngineTools/CookCommandlet.h"
+
+#include "Core/QVPath.h"
+#include "Core/QVString.h"
+#include "Standalone/Engine/Files.h"
+#include "Standalone/Engine/Packages.h"
+#include "Standalone/Engine/Project.h"
+#include "Standalone/Engine/RegistryFile.h"
+#include "Standalone/EngineTools/PackageLayout.h"
+#include "Standalone/EngineTools/RawFile.h"
+
+#include <span>
+
+namespace QVEngineTools
+{
+using namespace QVStandalone;
+
+namespace
+{
+std::vector<std::string> SplitMaps(std::string_view Text)
+{
+	std::vector<std::string> Maps;
+	while (!Text.empty())
+	{
+		const std::size_t Plus = std::min(Text.find('+'), Text.size());
+		Maps.emplace_back(Text.substr(0, Plus));
+		Text.remove_prefix(std::min(Plus + 1, Text.size()));
+	}
+	return Maps;
+}
+
+/** The value of `-Key=Value`, if the argument is that. */
+bool TakeValue(std::string_view Argument, std::string_view Key, std::string& Out)
+{
+	if (!FQVString::StartsWithIgnoreCase(Argument, QVPrintf("-%s=", Key)))
+	{
+		return false;
+	}
+	Out = Argument.substr(Key.size() + 2);
+	return true;
+}
+
+void WriteOrComplain(const std::string& Path, std::span<const std::byte> Bytes, FToolLog& Log)
+{
+	const QVFormats::FStatus Written = WriteRawFile(Path, Bytes);
+	if (!Written)
+	{
+		Log.Error("LogCook", "%s", Written.Error().Message);
+	}
+}
+
+/** One run of the commandlet, for either kind of cook. */
+class FCookRun
+{
+public:
+	FCookRun(const FCookCommand& InCommand, const std::string& EngineDir, FToolLog& InLog)
+		: Command(InCommand)
+		, Log(InLog)
+		, Project(Command.ProjectFile, EngineDir)
+		, Plugins(Command.ProjectFile, EngineDir)
+		, Packages(Project.ProjectDir(), EngineDir, Plugins)
+		, Layout(Log, Command.bIterate ? ECookMode::Iterate : ECookMode::Always)
+	{
+	}
+
+	void Run()
+	{
+		if (Command.DlcName.empty())
+		{
+			CookRelease();
+		}
+		else
+		{
+			CookDlc();
+		}
+	}
+
+private:
+	const FCookCommand& Command;
+	FToolLog& Log;
+	FProject Project;
+	FPlugins Plugins;
+	FPackages Packages;
+	FPackageLayout Layout;
+
+	std::string ProjectName() const { return std::string(FQVPath::GetBaseFilename(Command.ProjectFile)); }
+
+	std::string ReleaseDir(const std::string& Version) const
+	{
+		return FQVPath::Combine(Project.ProjectDir(), "Releases", Version, "Windows");
+	}
+
+	/** Both registries into a folder: the game's, and below `Metadata` the one for tools. */
+	void WriteRegistries(const std::string& Folder)
+	{
+		const auto Runtime = Layout.GetRegistry().RuntimeFile();
+		const auto Development = Layout.GetRegistry().DevelopmentFile();
+		if (!Runtime || !Development)
+		{
+			Log.Error("LogCook", "the asset registry could not be made: %s",
+				(Runtime ? Development : Runtime).Error().Message);
+			return;
+		}
+		WriteOrComplain(FQVPath::Combine(Folder, "AssetRegistry.bin"), *Runtime, Log);
+		WriteOrComplain(
+			FQVPath::Combine(Folder, "Metadata", Project.DevelopmentAssetRegistryFilename()), *Development, Log);
+	}
+
+	void WriteShaderArchive(const std::string& CookedDir, const std::string& Library)
+	{
+		const std::string Name = QVPrintf("ShaderArchive-%s-PCD3D_SM6-PCD3D_SM6.ushaderbytecode", Library);
+		constexpr std::string_view NoShaders = "QVMap stand-in: no shaders were compiled\n";
+		WriteOrComplain(FQVPath::Combine(CookedDir, Name), std::as_bytes(std::span(NoShaders)), Log);
+	}
+
+	/** The project's own content and that of its enabled content plugins. */
+	void CookRelease()
+	{
+		const std::string Root = FQVPath::Combine(Project.ProjectDir(), "Saved/Cooked/Windows", ProjectName());
+		Layout.AddFolder(
+			{"/Game/", FQVPath::Combine(Project.ProjectDir(), "Content"), FQVPath::Combine(Root, "Content")});
+		const std::string ProjectPlugins = FQVPath::Combine(Project.ProjectDir(), "Plugins/");
+		for (const FQVPluginInfo& Plugin : Plugins.GetDiscovered())
+		{
+			if (Plugin.bEnabled && Plugin.bCanContainContent && Plugin.BaseDir.starts_with(ProjectPlugins))
+			{
+				Log.Display("LogCook", "Mounting content of plugin %s", Plugin.Name);
+				Layout.AddFolder({"/" + Plugin.Name + "/", FQVPath::Combine(Plugin.BaseDir, "Content"),
+					FQVPath::Combine(Root, "Plugins", Plugin.Name, "Content")});
+			}
+		}
+		Layout.Run();
+		if (Log.Errors() > 0)
+		{
+			return; // a registry of half the packages would pass for a release
+		}
+		WriteShaderArchive(FQVPath::Combine(Root, "Content"), ProjectName());
+		WriteRegistries(Root);
+		WriteRegistries(ReleaseDir(Command.CreateRelease));
+		Log.Display(
+			"LogCook", "Release %s holds %d packages", Command.CreateRelease, Layout.GetRegistry().PackageCount());
+	}
+
+	void CookDlc()
+	{
+		if (!CheckBaseRelease() || !CheckMaps())
+		{
+			return;
+		}
+		const std::optional<FQVPluginInfo> Plugin = Plugins.FindPlugin(Command.DlcName);
+		if (!Plugin)
+		{
+			Log.Error("LogCook", "plugin %s was not found below the project", Command.DlcName);
+			return;
+		}
+		const std::string PluginRoot =
+			FQVPath::Combine(Plugin->BaseDir, "Saved/Cooked/Windows", ProjectName(), "Plugins", Plugin->Name);
+		const std::string CookedDir = FQVPath::Combine(PluginRoot, "Content");
+		Layout.AddFolder({"/" + Plugin->Name + "/", FQVPath::Combine(Plugin->BaseDir, "Content"), CookedDir});
+		Layout.Run();
+		WriteShaderArchive(CookedDir, Plugin->Name);
+		WriteRegistries(PluginRoot);
+	}
+
+	bool CheckBaseRelease()
+	{
+		const std::string Registry = FQVPath::Combine(
+			ReleaseDir(Command.BasedOnRelease), "Metadata", Project.DevelopmentAssetRegistryFilename());
+		std::int32_t PackageCount = 0;
+		if (!FRegistryFile().LoadFromDisk(Registry, PackageCount))
+		{
+			Log.Error("LogCook", "release %s cannot be based on: %s is missing or unreadable", Command.BasedOnRelease,
+				Registry);
+			return false;
+		}
+		Log.Display("LogCook", "Based on release %s with %d packages", Command.BasedOnRelease, PackageCount);
+		return true;
+	}
+
+	bool CheckMaps()
+	{
+		for (const std::string& Map : Command.Maps)
+		{
+			std::string File;
+			const bool bServed =
+				Packages.TryConvertLongPackageNameToFilename(Map, File, IQVPackages::MapPackageExtension);
+			if (!bServed || !FFiles().FileExists(File))
+			{
+				Log.Error("LogCook", "map %s was not found%s", Map, bServed ? " at " + File : std::string());
+			}
+		}
+		return Log.Errors() == 0;
+	}
+};
+} // namespace
+
+FCookCommand ParseCookCommand(const std::vector<std::string>& Arguments)
+{
+	FCookCommand Command;
+	std::string Commandlet;
+	std::string Maps;
+	for (const std::string& Argument : Arguments)
+	{
+		if (!Argument.starts_with('-') && Command.ProjectFile.empty())
+		{
+			Command.ProjectFile = FQVPath::NormalizeFilename(Argument);
+		}
+		else if (!TakeValue(Argument, "run", Commandlet) && !TakeValue(Argument, "map", Maps) &&
+				 !TakeValue(Argument, "createreleaseversion", Command.CreateRelease) &&
+				 !TakeValue(Argument, "basedonreleaseversion", Command.BasedOnRelease) &&
+				 !TakeValue(Argument, "dlcname", Command.DlcName))
+		{
+			Command.bIterate = Command.bIterate || FQVString::EqualsIgnoreCase(Argument, "-iterate");
+		}
+	}
+	Command.Maps = SplitMaps(Maps);
+	if (!FQVString::EqualsIgnoreCase(Commandlet, "cook"))
+	{
+		Command.Error = QVPrintf("commandlet '%s' is not one of the stand-in's: it knows -run=cook only", Commandlet);
+	}
+	else if (!FFiles().FileExists(Command.ProjectFile))
+	{
+		Command.Error = QVPrintf("project file '%s' was not found", Command.ProjectFile);
+	}
+	else if (Command.CreateRelease.empty() == Command.DlcName.empty())
+	{
+		Command.Error = "expected either -createreleaseversion=<version> or -dlcname=<plugin>";
+	}
+	else if (!Command.DlcName.empty() && Command.BasedOnRelease.empty())
+	{
+		Command.Error = "-dlcname needs -basedonreleaseversion=<version>";
+	}
+	return Command;
+}
+
+int RunCook(const FCookCommand& Command, const std::string& EngineDir, FToolLog& Log)
+{
+	if (Command.Error.empty())
+	{
+		FCookRun(Command, EngineDir, Log).Run();
+	}
+	else
+	{
+		Log.Error("LogInit", "%s", Command.Error);
+	}
+	Log.Display("LogInit", "%s - %d error(s), %d warning(s)", Log.Errors() == 0 ? "Success" : "Failure", Log.Errors(),
+		Log.Warnings());
+	return Log.Errors() == 0 ? 0 : 1;
+}
+} // namespace QVEngineTools

@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: MIT
+#include "Standalone/Formats/Base/Sha1.h"
+
+#include <algorithm>
+#include <bit>
+
+// The message schedule is worked out four words at a time beside the rounds; a function call between them would cost
+// more than the work, so everything is inlined into one loop body.
+#define QV_INLINE inline __attribute__((always_inline))
+
+namespace QVFormats
+{
+namespace
+{
+using FWord = std::uint32_t;
+using FWords __attribute__((vector_size(16))) = FWord;
+using FLanes __attribute__((vector_size(16))) = unsigned char;
+
+struct FSchedule
+{
+	FWords Recent[8];
+	/** Word plus round constant, the last 32 rounds. */
+	alignas(16) FWord Sum[32];
+};
+
+template<int Bits>
+QV_INLINE void RotateLeft(FWords& Words)
+{
+	Words = (Words << Bits) | (Words >> (32 - Bits));
+}
+
+constexpr FWord RoundConstant(int Round)
+{
+	return Round < 20 ? 0x5A827999 : Round < 40 ? 0x6ED9EBA1 : Round < 60 ? 0x8F1BBCDC : 0xCA62C1D6;
+}
+
+QV_INLINE void LoadBigEndian(FWords& Words, const std::byte* Data)
+{
+	FLanes Lanes;
+	std::memcpy(&Lanes, Data, sizeof(Lanes));
+	Lanes = __builtin_shufflevector(Lanes, Lanes, 3, 2, 1, 0, 7, 6, 5, 4, 11, 10, 9, 8, 15, 14, 13, 12);
+	std::memcpy(&Words, &Lanes, sizeof(Lanes));
+}
+
+/** Words 16..31 as the standard defines them; the last lane needs the first one's result and gets it afterwards. */
+template<int Round>
+QV_INLINE void ExpandNear(FWords& Words, const FWords* Recent)
+{
+	constexpr int Last = Round / 4 - 1;
+	const FWords Minus14 = __builtin_shufflevector(Recent[(Last - 3) % 8], Recent[(Last - 2) % 8], 2, 3, 4, 5);
+	const FWords Minus3 = __builtin_shufflevector(Recent[Last % 8], FWords{}, 1, 2, 3, 4);
+	Words = Recent[(Last - 3) % 8] ^ Minus14 ^ Recent[(Last - 1) % 8] ^ Minus3;
+	FWords Carried = __builtin_shufflevector(FWords{}, Words, 0, 1, 2, 4);
+	RotateLeft<1>(Words);
+	RotateLeft<2>(Carried);
+	Words ^= Carried;
+}
+
+/** Words from 32 on: the same recurrence taken twice, which no longer reaches into its own four lanes. */
+template<int Round>
+QV_INLINE void ExpandFar(FWords& Words, const FWords* Recent)
+{
+	constexpr int Last = Round / 4 - 1;
+	const FWords Minus6 = __builtin_shufflevector(Recent[(Last - 1) % 8], Recent[Last % 8], 2, 3, 4, 5);
+	Words = Minus6 ^ Recent[(Last - 3) % 8] ^ Recent[(Last - 6) % 8] ^ Recent[(Last - 7) % 8];
+	RotateLeft<2>(Words);
+}
+
+template<int Round>
+QV_INLINE void Schedule(FSchedule& S, const std::byte* Block)
+{
+	if constexpr (Round < 80)
+	{
+		FWords Words;
+		if constexpr (Round < 16)
+		{
+			LoadBigEndian(Words, Block + Round * 4);
+		}
+		else if constexpr (Round < 32)
+		{
+			ExpandNear<Round>(Words, S.Recent);
+		}
+		else
+		{
+			ExpandFar<Round>(Words, S.Recent);
+		}
+		S.Recent[Round / 4 % 8] = Words;
+		constexpr FWord K = RoundConstant(Round);
+		Words += FWords{K, K, K, K};
+		std::memcpy(S.Sum + Round % 32, &Words, sizeof(Words));
+	}
+}
+
+template<int Round>
+QV_INLINE FWord Mix(FWord B, FWord C, FWord D)
+{
+	if constexpr (Round < 20)
+	{
+		return ((C ^ D) & B) ^ D;
+	}
+	else if constexpr (Round < 40 || Round >= 60)
+	{
+		return B ^ C ^ D;
+	}
+	else
+	{
+		return (B & C) + (D & (B ^ C));
+	}
+}
+
+template<int Round>
+QV_INLINE void Step(FWord& A, FWord& B, FWord& C, FWord& D, FWord& E, const FSchedule& S)
+{
+	E += S.Sum[Round % 32];
+	E += Mix<Round>(B, C, D);
+	E += std::rotl(A, 5);
+	B = std::rotl(B, 30);
+}
+
+/** Four rounds, and the words that are needed sixteen rounds later. */
+template<int Round>
+QV_INLINE void FourSteps(FWord (&V)[5], FSchedule& S, const std::byte* Block)
+{
+	constexpr int A = (80 - Round) % 5;
+	Schedule<Round + 16>(S, Block);
+	Step<Round>(V[A], V[(A + 1) % 5], V[(A + 2) % 5], V[(A + 3) % 5], V[(A + 4) % 5], S);
+	Step<Round + 1>(V[(A + 4) % 5], V[A], V[(A + 1) % 5], V[(A + 2) % 5], V[(A + 3) % 5], S);
+	Step<Round + 2>(V[(A + 3) % 5], V[(A + 4) % 5], V[A], V[(A + 1) % 5], V[(A + 2) % 5], S);
+	Step<Round + 3>(V[(A + 2) % 5], V[(A + 3) % 5], V[(A + 4) % 5], V[A], V[(A + 1) % 5], S);
+	if constexpr (Round + 4 < 80)
+	{
+		FourSteps<Round + 4>(V, S, Block);
+	}
+}
+
+QV_INLINE void AddBlocks(FWord* State, const std::byte* Data, std::size_t Blocks)
+{
+	FSchedule S;
+	for (; Blocks > 0; --Blocks, Data += 64)
+	{
+		FWord V[5] = {State[0], State[1], State[2], State[3], State[4]};
+		Schedule<0>(S, Data);
+		Schedule<4>(S, Data);
+		Schedule<8>(S, Data);
+		Schedule<12>(S, Data);
+		FourSteps<0>(V, S, Data);
+		for (int Index = 0; Index < 5; ++Index)
+		{
+			State[Index] += V[Index];
+		}
+	}
+}
+
+void AddBlocksPortable(FWord* State, const std::byte* Data, std::size_t Blocks)
+{
+	AddBlocks(State, Data, Blocks);
+}
+
+#if defined(__x86_64__)
+__attribute__((target("avx,bmi,bmi2"))) void AddBlocksAvx(FWord* State, const std::byte* Data, std::size_t Blocks)
+{
+	AddBlocks(State, Data, Blocks);
+}
+#endif
+
+using FAddBlocks = void (*)(FWord*, const std::byte*, std::size_t);
+
+FAddBlocks PickAddBlocks()
+{
+#if defined(__x86_64__)
+	if (__builtin_cpu_supports("avx") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2"))
+	{
+		return AddBlocksAvx;
+	}
+#endif
+	return AddBlocksPortable;
+}
+
+const FAddBlocks AddBlocksHere = PickAddBlocks();
+} // namespace
+
+FSha1Hash FSha1::Of(FBytes Bytes)
+{
+	FSha1 Hash;
+	Hash.Update(Bytes);
+	return Hash.Finish();
+}
+
+void FSha1::Update(FBytes Bytes)
+{
+	TotalBytes += Bytes.size();
+	if (PendingBytes > 0)
+	{
+		const std::size_t Taken = std::min(BlockBytes - PendingBytes, Bytes.size());
+		std::copy_n(Bytes.begin(), Taken, Pending.begin() + PendingBytes);
+		PendingBytes += Taken;
+		Bytes = Bytes.subspan(Taken);
+		if (PendingBytes < BlockBytes)
+		{
+			return;
+		}
+		AddBlocksHere(State.data(), Pending.data(), 1);
+	}
+	const std::size_t Blocks = Bytes.size() / BlockBytes;
+	AddBlocksHere(State.data(), Bytes.data(), Blocks);
+	Bytes = Bytes.subspan(Blocks * BlockBytes);
+	std::copy(Bytes.begin(), Bytes.end(), Pending.begin());
+	PendingBytes = Bytes.size();
+}
+
+FSha1Hash FSha1::Finish()
+{
+	std::array<std::byte, 2 * BlockBytes> Tail{};
+	std::copy_n(Pending.begin(), PendingBytes, Tail.begin());
+	Tail[PendingBytes] = std::byte{0x80};
+	const std::size_t TailBytes = PendingBytes < BlockBytes - 8 ? BlockBytes : 2 * BlockBytes;
+	for (std::size_t Index = 0; Index < 8; ++Index)
+	{
+		Tail[TailBytes - 1 - Index] = static_cast<std::byte>((TotalBytes * 8) >> (8 * Index));
+	}
+	AddBlocksHere(State.data(), Tail.data(), TailBytes / BlockBytes);
+	FSha1Hash Hash;
+	for (std::size_t Index = 0; Index < Hash.size(); ++Index)
+	{
+		Hash[Index] = static_cast<std::byte>(State[Index / 4] >> (24 - 8 * (Index % 4)));
+	}
+	return Hash;
+}
+
+std::string HashText(const FSha1Hash& Hash)
+{
+	constexpr char Digits[] = "0123456789abcdef";
+	std::string Text;
+	for (const std::byte Byte : Hash)
+	{
+		Text.push_back(Digits[std::to_integer<unsigned>(Byte) >> 4]);
+		Text.push_back(Digits[std::to_integer<unsigned>(Byte) & 15]);
+	}
+	return Text;
+}
+} // namespace QVFormats
