@@ -5,7 +5,6 @@
 #include "Export/QVMapToolchainStamp.h"
 #include "Standalone/Cli/Session.h"
 #include "Standalone/Cli/StandInNote.h"
-#include "Standalone/Engine/Interrupt.h"
 #include "Workspace/QVMapPaths.h"
 
 namespace QVCli
@@ -79,7 +78,7 @@ EExitCode Build(FCommandLine& Line)
 		});
 	if (!Result.bSuccess)
 	{
-		Console.Fail(Result.ErrorMessage, Session->ToolOutput.LastLines());
+		Session->TellFailure(Result.ErrorMessage);
 		return EExitCode::Failed;
 	}
 	Console.Succeed();

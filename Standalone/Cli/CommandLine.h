@@ -26,7 +26,7 @@ struct FCommandLine
 	FConsole Console;
 	FGlobalOptions Options;
 	std::function<EExitCode()> Chosen;
-	CLI::App App{"Makes, packs and checks maps for QUARVEL."};
+	CLI::App App{"Cooks and packs maps for QUARVEL."};
 
 	FCommandLine();
 

@@ -3,6 +3,7 @@
 
 #include "Core/QVString.h"
 #include "Standalone/Cli/Terminal.h"
+#include "Standalone/Cli/TextColumns.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -27,35 +28,9 @@ std::string_view WithoutPrefix(std::string_view Text)
 	return Text.starts_with(Prefix) ? Text.substr(Prefix.size()) : Text;
 }
 
-std::size_t CountCharacters(std::string_view Text)
+std::string JoinParagraphs(std::string_view Text)
 {
-	return static_cast<std::size_t>(std::count_if(
-		Text.begin(), Text.end(), [](char Letter) { return (static_cast<unsigned char>(Letter) & 0xC0) != 0x80; }));
-}
-
-/** The first Count characters. */
-std::string_view FirstCharacters(std::string_view Text, std::size_t Count)
-{
-	std::size_t End = 0;
-	while (End < Text.size() && (Count > 0 || (static_cast<unsigned char>(Text[End]) & 0xC0) == 0x80))
-	{
-		Count -= (static_cast<unsigned char>(Text[End]) & 0xC0) != 0x80 ? 1 : 0;
-		++End;
-	}
-	return Text.substr(0, End);
-}
-
-/** Shortened in the middle: the ends of paths and messages tell the most. */
-std::string Fit(std::string_view Text, std::size_t Width)
-{
-	const std::size_t Length = CountCharacters(Text);
-	if (Length <= Width)
-	{
-		return std::string(Text);
-	}
-	const std::size_t Kept = Width > 3 ? Width - 3 : 0;
-	return std::string(FirstCharacters(Text, Kept / 2)) + "..." +
-		   std::string(FQVString::LastCharacters(Text, Kept - Kept / 2));
+	return FQVString::ReplaceAll(Text, "\n\n", " ");
 }
 
 std::string OneLine(std::string_view Text)
@@ -123,7 +98,16 @@ void FConsole::Result(std::string_view Text)
 
 void FConsole::Document(const FQVJson& Json)
 {
+	bDocumentShown = true;
 	Result(FQVString::ReplaceAll(Json.ToPrettyString(), "\r\n", "\n"));
+}
+
+void FConsole::EnsureDocument()
+{
+	if (!bDocumentShown)
+	{
+		Document(FQVJson::Object().Set("schema_version", 1).Set("error", FirstFailure));
+	}
 }
 
 void FConsole::Say(std::string_view Text)
@@ -144,11 +128,15 @@ void FConsole::Warn(std::string_view Text)
 void FConsole::Fail(std::string_view Message, const std::vector<std::string>& ToolLines)
 {
 	const std::lock_guard Guard(Lock);
-	Line("error: " + std::string(Message));
+	const std::string Told = JoinParagraphs(Message);
+	FirstFailure = FirstFailure.empty() ? Told : FirstFailure;
+	Line("error: " + Told);
 	std::size_t Shown = 0;
-	for (const std::string& Cause : KeptBack)
+	for (const std::string& Each : KeptBack)
 	{
-		if (Message.find(Cause) == std::string_view::npos && Shown++ < MostCauses)
+		const std::string Cause = JoinParagraphs(Each);
+		const bool bSame = Told.find(Cause) != std::string::npos || Cause.find(Told) != std::string::npos;
+		if (!bSame && Shown++ < MostCauses)
 		{
 			Line("  cause: " + Cause);
 		}
@@ -202,9 +190,10 @@ void FConsole::ShowBar(std::string_view Stage, float Fraction, std::string_view 
 	const auto Filled = static_cast<std::size_t>(std::clamp(Fraction, 0.0f, 1.0f) * static_cast<float>(BarWidth));
 	const std::string Head = QVPrintf(
 		"[%s%s] %3.0f%% %s  ", std::string(Filled, '#'), std::string(BarWidth - Filled, '-'), Fraction * 100.0f, Stage);
-	const std::size_t Width = TerminalWidth();
-	const std::size_t Room = Width > Head.size() + 1 ? Width - Head.size() - 1 : 0;
-	Put(stderr, std::string(EraseLine) + Head + Fit(OneLine(Message), Room));
+	// a line that reaches the last column would go on in the next, where nothing writes over it
+	const std::size_t Width = std::max<std::size_t>(TerminalWidth(), 1) - 1;
+	const std::size_t Room = Width > Head.size() ? Width - Head.size() : 0;
+	Put(stderr, std::string(EraseLine) + FitColumns(Head + FitColumns(OneLine(Message), Room), Width));
 	bProgressShown = true;
 }
 } // namespace QVCli

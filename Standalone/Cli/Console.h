@@ -43,6 +43,8 @@ public:
 	void Result(std::string_view Line);
 	/** A whole JSON document. */
 	void Document(const FQVJson& Json);
+	/** After a failure that came before there was a result: whoever asked for JSON gets a document all the same. */
+	void EnsureDocument();
 
 	/** A line for the user that is no result; not said when quiet. */
 	void Say(std::string_view Line);
@@ -61,6 +63,8 @@ private:
 	bool bProgressShown = false;
 	std::string LastStage;
 	int LastTenth = -1;
+	bool bDocumentShown = false;
+	std::string FirstFailure;
 	std::vector<std::string> KeptBack;
 	std::set<std::string, std::less<>> Warned;
 

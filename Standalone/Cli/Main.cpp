@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "Core/QVString.h"
 #include "Standalone/Cli/CommandLine.h"
 #include "Standalone/Cli/NearestWord.h"
 #include "Standalone/Engine/Interrupt.h"
-
-#include <algorithm>
 
 namespace QVCli
 {
@@ -19,29 +18,39 @@ std::vector<std::string> VerbNames(const CLI::App& Parent)
 	return Names;
 }
 
-/** The word that stands where a verb should, if it is none. */
-std::string UnknownVerb(const std::vector<std::string>& Verbs, const std::vector<std::string>& Words)
+/** The verb that was reached, `list` of `pak list`; the program itself if none was. */
+const CLI::App& Reached(const CLI::App& App)
 {
-	const auto Word = std::find_if(Words.begin(), Words.end(), [](const auto& Each) { return !Each.starts_with('-'); });
-	const bool bKnown = Word == Words.end() || std::find(Verbs.begin(), Verbs.end(), *Word) != Verbs.end();
-	return bKnown ? std::string() : *Word;
+	const std::vector<CLI::App*> Chosen = App.get_subcommands();
+	return Chosen.empty() ? App : Reached(*Chosen.front());
 }
 
-EExitCode ReportWrongUse(FCommandLine& Line, const CLI::ParseError& Error, const std::vector<std::string>& Words)
+/** As the user types it: "qvmap pak list". */
+std::string CalledAs(const CLI::App& App)
 {
-	const std::vector<CLI::App*> Chosen = Line.App.get_subcommands();
-	const std::string Unknown = Chosen.empty() ? UnknownVerb(VerbNames(Line.App), Words) : std::string();
-	if (Unknown.empty())
+	return App.get_parent() == nullptr ? App.get_name() : CalledAs(*App.get_parent()) + " " + App.get_name();
+}
+
+/** Why no verb was found. */
+std::string DescribeMissingVerb(const CLI::App& Parent, const std::vector<std::string>& NotUnderstood)
+{
+	const std::vector<std::string> Verbs = VerbNames(Parent);
+	if (NotUnderstood.empty())
 	{
-		Line.Console.Fail(Error.what());
+		return QVPrintf("%s needs a verb: %s", CalledAs(Parent), FQVString::Join(Verbs, ", "));
 	}
-	else
-	{
-		const std::string Nearest = NearestWord(Unknown, VerbNames(Line.App));
-		Line.Console.Fail(QVPrintf("'%s' is not a verb of qvmap%s", Unknown,
-			Nearest.empty() ? std::string() : QVPrintf(". Did you mean '%s'?", Nearest)));
-	}
-	Line.Console.Say(QVPrintf("  see: qvmap%s --help", Chosen.empty() ? "" : " " + Chosen.front()->get_name()));
+	const std::string& Word = NotUnderstood.front();
+	const std::string Nearest = NearestWord(Word, Verbs);
+	return QVPrintf("'%s' is not %s of %s%s", Word, Word.starts_with('-') ? "an option" : "a verb", CalledAs(Parent),
+		Nearest.empty() ? std::string() : QVPrintf(". Did you mean '%s'?", Nearest));
+}
+
+EExitCode ReportWrongUse(FCommandLine& Line, const CLI::ParseError& Error)
+{
+	const CLI::App& Verb = Reached(Line.App);
+	const bool bVerbMissing = !VerbNames(Verb).empty() && dynamic_cast<const CLI::RequiredError*>(&Error) != nullptr;
+	Line.Console.Fail(bVerbMissing ? DescribeMissingVerb(Verb, Line.App.remaining(true)) : Error.what());
+	Line.Console.Say(QVPrintf("  see: %s --help", CalledAs(Verb)));
 	return EExitCode::WrongUse;
 }
 
@@ -59,11 +68,19 @@ EExitCode RunChosen(FCommandLine& Line)
 {
 	const FGlobalOptions& Options = Line.Options;
 	Line.Console.SetChatter(Options.bVerbose ? EChatter::Verbose : Options.bQuiet ? EChatter::Quiet : EChatter::Normal);
-	const EExitCode Code = Line.Chosen();
+	EExitCode Code = Line.Chosen();
 	if (QVStandalone::FInterrupt::IsRaised())
 	{
 		Line.Console.Fail("interrupted");
-		return EExitCode::Interrupted;
+		Code = EExitCode::Interrupted;
+	}
+	if (Code == EExitCode::Done)
+	{
+		Line.Console.Succeed();
+	}
+	if (Options.bJson && Code != EExitCode::Done)
+	{
+		Line.Console.EnsureDocument();
 	}
 	return Code;
 }
@@ -83,7 +100,7 @@ EExitCode Run(int Count, char** Words)
 	}
 	catch (const CLI::ParseError& Error)
 	{
-		return ReportWrongUse(Line, Error, {Words + 1, Words + Count});
+		return ReportWrongUse(Line, Error);
 	}
 	return RunChosen(Line);
 }

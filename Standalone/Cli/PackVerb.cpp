@@ -18,6 +18,8 @@ struct FPackOptions
 {
 	std::string Mod;
 	std::string StartMap;
+	/** The mod that was probably meant, if there is none of that name. */
+	std::string NearestMod;
 };
 
 /** The map's game path, from its name, package name or game path; empty if the mod has no such map. */
@@ -54,11 +56,7 @@ bool ResolveArguments(FConsole& Console, FPackOptions& Options)
 	if (Mod == nullptr)
 	{
 		// what exactly is wrong with it, the export says better; a likely typing mistake is for us to see
-		const std::string Nearest = NearestWord(Options.Mod, ModNames(Scan));
-		if (!Nearest.empty())
-		{
-			Console.Say(QVPrintf("there is no mod '%s' with maps; did you mean '%s'?", Options.Mod, Nearest));
-		}
+		Options.NearestMod = NearestWord(Options.Mod, ModNames(Scan));
 		return true;
 	}
 	Options.Mod = Mod->Name;
@@ -103,13 +101,27 @@ void PrintText(FConsole& Console, const FQVExportResult& Result, const FQVLastEx
 	Console.Result(QVPrintf("log  %s", Record.LogPath.empty() ? "(could not be written)" : Record.LogPath));
 }
 
-void TellFailure(FSession& Session, const FQVExportResult& Result, const FQVLastExportRecord& Record)
+/** The record of this run; an empty one if it could not be written, since then an older run's lies in its place. */
+FQVLastExportRecord ReadRecord(const FQVExportResult& Result)
 {
-	const bool bToolRan = Record.FailedStage == "cooking" || Record.FailedStage == "packing";
-	Session.Console.Fail(Result.ErrorMessage, bToolRan ? Session.ToolOutput.LastLines() : std::vector<std::string>());
-	if (Result.ErrorMessage.find("Build Base Release") != std::string::npos)
+	FQVLastExportRecord Record;
+	const bool bOfThisRun = FQVMapLastExport::ReadLastExportRecord(Record) && Record.bSuccess == Result.bSuccess &&
+							Record.ErrorMessage == Result.ErrorMessage && Record.PakPath == Result.PakPath;
+	return bOfThisRun ? Record : FQVLastExportRecord();
+}
+
+void TellFailure(FSession& Session, const FPackOptions& Options, const std::string& Error)
+{
+	const bool bOfBaseRelease = Error.find("Build Base Release") != std::string::npos;
+	// the last paragraph tells of a menu, which there is none of here
+	Session.TellFailure(bOfBaseRelease ? Error.substr(0, Error.rfind("\n\n")) : Error);
+	if (bOfBaseRelease)
 	{
 		Session.Console.Say("  fix: qvmap base-release build");
+	}
+	if (!Options.NearestMod.empty())
+	{
+		Session.Console.Say(QVPrintf("  did you mean '%s'?", Options.NearestMod));
 	}
 }
 
@@ -127,15 +139,14 @@ EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 	Session->RunBlocking(
 		[&] { Result = FQVMapPipeline::ExportMod(Options.Mod, ExportVersion, {}, Progress, Options.StartMap); });
 
-	FQVLastExportRecord Record;
-	FQVMapLastExport::ReadLastExportRecord(Record);
+	const FQVLastExportRecord Record = ReadRecord(Result);
 	if (Line.Options.bJson)
 	{
 		Console.Document(ToJson(Options, Result, Record));
 	}
 	if (!Result.bSuccess)
 	{
-		TellFailure(*Session, Result, Record);
+		TellFailure(*Session, Options, Result.ErrorMessage);
 		return EExitCode::Failed;
 	}
 	Console.Succeed();

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Core/QVText.h"
 #include "Standalone/Cli/CommandLine.h"
+#include "Standalone/Engine/Interrupt.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/EngineTools/PakCreation.h"
 #include "Standalone/Formats/Pak/PakExtract.h"
 #include "Standalone/Formats/Pak/PakVerify.h"
+
+#include <algorithm>
 
 namespace QVCli
 {
@@ -26,6 +29,11 @@ struct FPakOptions
 std::string Number(std::uint64_t Value)
 {
 	return FQVText::AsNumber(static_cast<std::int64_t>(Value));
+}
+
+std::string FileCount(std::uint64_t Count)
+{
+	return Number(Count) + (Count == 1 ? " file" : " files");
 }
 
 /** Zero, with the error told, if the pak cannot be opened. */
@@ -89,7 +97,7 @@ void ListText(FConsole& Console, const FPakReader& Reader)
 		Stored += Entry.Size;
 	}
 	Console.Result(
-		Text + QVPrintf("%s files, %s bytes, %s stored; version %d, mounted at %s", Number(Reader.Entries().size()),
+		Text + QVPrintf("%s, %s bytes, %s stored; version %d, mounted at %s", FileCount(Reader.Entries().size()),
 				   Number(Bytes), Number(Stored), static_cast<int>(Reader.Version()), Reader.MountPoint()));
 }
 
@@ -146,9 +154,29 @@ EExitCode Verify(FCommandLine& Line, const FPakOptions& Options)
 		Line.Console.Result("note: " + FindingLine(Note));
 	}
 	Line.Console.Result(
-		QVPrintf("%s: %s files, %s bytes hashed, %s bytes inflated: %s", Reader->Name(), Number(Report.Files),
+		QVPrintf("%s: %s, %s bytes hashed, %s bytes inflated: %s", Reader->Name(), FileCount(Report.Files),
 			Number(Report.HashedBytes), Number(Report.InflatedBytes), Report.IsSound() ? "sound" : "DAMAGED"));
 	return Report.IsSound() ? EExitCode::Done : EExitCode::Failed;
+}
+
+/** One failure, however many files it struck: a full disk strikes them all. */
+void TellExtractProblems(FConsole& Console, const FPakReader& Reader, const std::vector<FPakFinding>& Problems)
+{
+	constexpr std::size_t Most = 10;
+	if (Problems.empty())
+	{
+		return;
+	}
+	Console.Fail(QVPrintf("%s: %s of %s files could not be extracted", Reader.Name(), Number(Problems.size()),
+		Number(Reader.Entries().size())));
+	for (std::size_t Index = 0; Index < std::min(Most, Problems.size()); ++Index)
+	{
+		Console.Say("  " + FindingLine(Problems[Index]));
+	}
+	if (Problems.size() > Most)
+	{
+		Console.Say(QVPrintf("  ... and %s more: --format json lists them all", Number(Problems.size() - Most)));
+	}
 }
 
 EExitCode Extract(FCommandLine& Line, const FPakOptions& Options)
@@ -158,11 +186,15 @@ EExitCode Extract(FCommandLine& Line, const FPakOptions& Options)
 	{
 		return EExitCode::Failed;
 	}
-	const FPakExtractReport Report = ExtractPak(*Reader, ToOsPath(Options.Folder));
-	for (const FPakFinding& Problem : Report.Problems)
+	std::error_code Ignored;
+	if (std::filesystem::exists(ToOsPath(Options.Folder), Ignored) &&
+		!std::filesystem::is_directory(ToOsPath(Options.Folder), Ignored))
 	{
-		Line.Console.Fail(FindingLine(Problem));
+		Line.Console.Fail(QVPrintf("%s is a file: name a folder", Options.Folder));
+		return EExitCode::Failed;
 	}
+	const FPakExtractReport Report = ExtractPak(*Reader, ToOsPath(Options.Folder));
+	TellExtractProblems(Line.Console, *Reader, Report.Problems);
 	if (Line.Options.bJson)
 	{
 		Line.Console.Document(FQVJson::Object()
@@ -175,7 +207,7 @@ EExitCode Extract(FCommandLine& Line, const FPakOptions& Options)
 	else
 	{
 		Line.Console.Result(
-			QVPrintf("%s files, %s bytes into %s", Number(Report.Files), Number(Report.Bytes), Options.Folder));
+			QVPrintf("%s, %s bytes into %s", FileCount(Report.Files), Number(Report.Bytes), Options.Folder));
 	}
 	return Report.Problems.empty() ? EExitCode::Done : EExitCode::Failed;
 }
@@ -189,16 +221,25 @@ EExitCode Create(FCommandLine& Line, const FPakOptions& Options)
 		Console.Fail(Sources.Error().Message);
 		return EExitCode::Failed;
 	}
+	if (Sources->empty())
+	{
+		Console.Fail(QVPrintf("%s holds no files: there is nothing to pack", Options.Source));
+		return EExitCode::Failed;
+	}
 	FPakWriteOptions WriteOptions;
 	WriteOptions.OnFile = [&Console](const FPakWriteProgress& Progress)
 	{
 		const float Fraction = static_cast<float>(Progress.FilesDone) / static_cast<float>(Progress.Files);
 		Console.Progress("packing", Fraction, QVPrintf("%d of %d files", Progress.FilesDone, Progress.Files));
 	};
+	WriteOptions.ShouldStop = &QVStandalone::FInterrupt::IsRaised;
 	const TResult<FPakWriteSummary> Summary = WritePak(ToOsPath(Options.Pak), *Sources, WriteOptions);
 	if (!Summary)
 	{
-		Console.Fail(Summary.Error().Message);
+		if (!QVStandalone::FInterrupt::IsRaised())
+		{
+			Console.Fail(Summary.Error().Message);
+		}
 		return EExitCode::Failed;
 	}
 	if (Line.Options.bJson)
@@ -212,7 +253,7 @@ EExitCode Create(FCommandLine& Line, const FPakOptions& Options)
 	}
 	else
 	{
-		Console.Result(QVPrintf("%s: %s files, %s bytes in, %s bytes out", Options.Pak, Number(Summary->Files),
+		Console.Result(QVPrintf("%s: %s, %s bytes in, %s bytes out", Options.Pak, FileCount(Summary->Files),
 			Number(Summary->BytesIn), Number(Summary->BytesOut)));
 	}
 	return EExitCode::Done;

@@ -180,7 +180,7 @@ private:
 bool IsEmptyOrMissing(const std::string& Folder)
 {
 	const QVStandalone::FFiles Files;
-	bool bEmpty = !Files.FileExists(Folder);
+	bool bEmpty = true;
 	Files.IterateDirectory(Folder,
 		[&bEmpty](std::string_view, bool)
 		{
@@ -193,6 +193,10 @@ bool IsEmptyOrMissing(const std::string& Folder)
 
 TResult<std::string> WriteSampleProject(const std::string& Folder)
 {
+	if (QVStandalone::FFiles().FileExists(Folder))
+	{
+		return FError{QVPrintf("%s is a file: name a new folder", Folder)};
+	}
 	if (!IsEmptyOrMissing(Folder))
 	{
 		return FError{QVPrintf("%s is not empty: name a new folder, so that nothing is overwritten", Folder)};

@@ -5,6 +5,7 @@
 #include "Standalone/Cli/TypedPath.h"
 #include "Standalone/Engine/EngineLocator.h"
 #include "Standalone/Engine/ExecutablePath.h"
+#include "Standalone/Engine/Interrupt.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/ProjectLocator.h"
 
@@ -69,6 +70,17 @@ FSession::FSession(FConsole& InConsole, const std::string& ProjectFile, const st
 	Engine.Interfaces.Processes = &ToolOutput;
 	Log.SetPath(ToOsPath(FQVPath::Combine(FQVPath::GetPath(ProjectFile), "Saved/Logs/QVMap.log")));
 	FQVLog::SetSink(&Log);
+}
+
+void FSession::TellFailure(std::string_view Message)
+{
+	if (FInterrupt::IsRaised())
+	{
+		return;
+	}
+	// of a tool that ended well, only what it did not leave behind is a failure
+	const bool bOfTool = ToolOutput.LastCode() != 0 || Message.find("completed but") != std::string_view::npos;
+	Console.Fail(Message, bOfTool ? ToolOutput.LastLines() : std::vector<std::string>());
 }
 
 FSession::~FSession()

@@ -21,6 +21,10 @@ public:
 	/** Runs work that blocks on a thread of its own, while this one is the game thread. */
 	void RunBlocking(std::function<void()> Work) { Engine.GetGameThread().RunDedicatedUntilDone(std::move(Work)); }
 
+	/** The failure of an operation, with the tool's last lines if it was the tool that failed. Silent after an
+	 * interrupt: then everything fails, and that it was interrupted is all there is to say. */
+	void TellFailure(std::string_view Message);
+
 	FConsole& Console;
 	/** The engine is our own folder of stand-ins. */
 	const bool bBundledEngine;

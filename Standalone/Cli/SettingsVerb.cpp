@@ -4,6 +4,7 @@
 #include "Engine/QVJsonReader.h"
 #include "Standalone/Cli/NearestWord.h"
 #include "Standalone/Cli/Session.h"
+#include "Standalone/Cli/TextColumns.h"
 #include "Workspace/QVMapConfig.h"
 
 #include <optional>
@@ -95,6 +96,23 @@ std::optional<bool> ParseBool(std::string_view Text)
 	return std::nullopt;
 }
 
+FQVJson Describe(FQVJson Json, const FQVMapSetting& Setting)
+{
+	return Json.Set("key", Setting.Key)
+		.Set("value", FQVMapConfig::Get(Setting))
+		.Set("origin", FQVMapConfig::IsSet(Setting) ? "file" : "default")
+		.Set("meaning", Setting.Meaning);
+}
+
+std::string LineOf(const FQVMapSetting& Setting)
+{
+	constexpr std::size_t AssignmentColumns = 40;
+	std::string Line = QVPrintf("%s = %s ", Setting.Key, ValueText(Setting));
+	const std::size_t Columns = CountColumns(Line);
+	Line.append(Columns < AssignmentColumns ? AssignmentColumns - Columns : 0, ' ');
+	return QVPrintf("%s%s  %s", Line, FQVMapConfig::IsSet(Setting) ? "(set)    " : "(default)", Setting.Meaning);
+}
+
 EExitCode List(FCommandLine& Line)
 {
 	const std::unique_ptr<FSession> Session = OpenWithGoodFile(Line);
@@ -105,18 +123,10 @@ EExitCode List(FCommandLine& Line)
 	FQVJson Json = FQVJson::Array();
 	for (const FQVMapSetting& Setting : FQVMapConfig::GetSettings())
 	{
-		const bool bSet = FQVMapConfig::IsSet(Setting);
-		Json.Add(FQVJson::Object()
-					 .Set("key", Setting.Key)
-					 .Set("value", FQVMapConfig::Get(Setting))
-					 .Set("origin", bSet ? "file" : "default")
-					 .Set("meaning", Setting.Meaning));
+		Json.Add(Describe(FQVJson::Object(), Setting));
 		if (!Line.Options.bJson)
 		{
-			const std::string Assignment = QVPrintf("%s = %s", Setting.Key, ValueText(Setting));
-			const std::string Pad(Assignment.size() < 40 ? 40 - Assignment.size() : 1, ' ');
-			Session->Console.Result(
-				QVPrintf("%s%s%s  %s", Assignment, Pad, bSet ? "(set)    " : "(default)", Setting.Meaning));
+			Session->Console.Result(LineOf(Setting));
 		}
 	}
 	if (Line.Options.bJson)
@@ -143,7 +153,7 @@ EExitCode Get(FCommandLine& Line, const FSettingsOptions& Options)
 	}
 	if (Line.Options.bJson)
 	{
-		Session->Console.Document(FQVJson::Object().Set("key", Setting->Key).Set("value", FQVMapConfig::Get(*Setting)));
+		Session->Console.Document(Describe(FQVJson::Object().Set("schema_version", 1), *Setting));
 	}
 	else
 	{

@@ -7,7 +7,7 @@ namespace QVCli
 {
 namespace
 {
-constexpr std::size_t TailBytes = 8 * 1024;
+constexpr std::size_t TailBytes = 8192;
 constexpr std::size_t MostLines = 10;
 } // namespace
 
@@ -21,7 +21,15 @@ std::vector<std::string> FToolOutput::LastLines() const
 FQVProcHandle FToolOutput::CreateProc(std::string_view Program, std::string_view Arguments, const FQVPipe& Output)
 {
 	Tail.clear();
+	Code = 0;
 	return Inner.CreateProc(Program, Arguments, Output);
+}
+
+bool FToolOutput::GetProcReturnCode(FQVProcHandle& Process, int& OutCode)
+{
+	const bool bEnded = Inner.GetProcReturnCode(Process, OutCode);
+	Code = bEnded ? OutCode : Code;
+	return bEnded;
 }
 
 std::string FToolOutput::ReadPipe(FQVPipe& Pipe)

@@ -20,15 +20,14 @@ public:
 
 	/** The newest lines of the last child, the oldest of them first. */
 	std::vector<std::string> LastLines() const;
+	/** What the last child ended with; 0 while there was none. */
+	int LastCode() const { return Code; }
 
 	FQVPipe CreatePipe() override { return Inner.CreatePipe(); }
 	FQVProcHandle CreateProc(std::string_view Program, std::string_view Arguments, const FQVPipe& Output) override;
 	bool IsProcRunning(FQVProcHandle& Process) override { return Inner.IsProcRunning(Process); }
 	std::string ReadPipe(FQVPipe& Pipe) override;
-	bool GetProcReturnCode(FQVProcHandle& Process, int& OutCode) override
-	{
-		return Inner.GetProcReturnCode(Process, OutCode);
-	}
+	bool GetProcReturnCode(FQVProcHandle& Process, int& OutCode) override;
 	void CloseProc(FQVProcHandle& Process) override { Inner.CloseProc(Process); }
 	void ClosePipe(FQVPipe& Pipe) override { Inner.ClosePipe(Pipe); }
 	void Sleep(double Seconds) override { Inner.Sleep(Seconds); }
@@ -36,5 +35,6 @@ public:
 private:
 	IQVProcesses& Inner;
 	std::string Tail;
+	int Code = 0;
 };
 } // namespace QVCli

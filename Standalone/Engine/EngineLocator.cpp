@@ -69,8 +69,9 @@ private:
 	{
 		const std::string Engine = Folder.empty() ? std::string() : EngineFolderIn(Folder);
 		Result.EngineDir = Engine;
-		Result.Tried.push_back(
-			{Where, Engine.empty() ? QVPrintf("%s is not there", Folder) : QVPrintf("taken: %s", Engine)});
+		Result.Tried.push_back({Where, !Engine.empty()	? QVPrintf("taken: %s", Engine)
+									   : Folder.empty() ? "there is none"
+														: QVPrintf("%s is not there", Folder)});
 		return !Engine.empty();
 	}
 

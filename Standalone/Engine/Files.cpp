@@ -55,7 +55,8 @@ std::vector<FListed> ListSorted(const fs::path& Folder)
 		std::error_code Ignored;
 		Entries.push_back({Each->path(), Each->is_directory(Ignored)});
 	}
-	std::sort(Entries.begin(), Entries.end(), [](const FListed& A, const FListed& B) { return A.Path < B.Path; });
+	std::sort(Entries.begin(), Entries.end(),
+		[](const FListed& A, const FListed& B) { return A.Path.native() < B.Path.native(); });
 	return Entries;
 }
 

@@ -4,11 +4,12 @@
 #include "Core/QVPath.h"
 #include "Core/QVString.h"
 #include "Standalone/Engine/Files.h"
+#include "Standalone/Engine/OsFile.h"
+#include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/Packages.h"
 #include "Standalone/Engine/Project.h"
 #include "Standalone/Engine/RegistryFile.h"
 #include "Standalone/EngineTools/PackageLayout.h"
-#include "Standalone/EngineTools/RawFile.h"
 
 #include <span>
 
@@ -41,12 +42,16 @@ bool TakeValue(std::string_view Argument, std::string_view Key, std::string& Out
 	return true;
 }
 
+/** Whole or not at all: a release that was good stays so when a new one cannot be written. */
 void WriteOrComplain(const std::string& Path, std::span<const std::byte> Bytes, FToolLog& Log)
 {
-	const QVFormats::FStatus Written = WriteRawFile(Path, Bytes);
-	if (!Written)
+	std::error_code Error;
+	const std::filesystem::path Target = ToOsPath(Path);
+	std::filesystem::create_directories(Target.parent_path(), Error);
+	Error = ReplaceFile(Target, {reinterpret_cast<const char*>(Bytes.data()), Bytes.size()});
+	if (Error)
 	{
-		Log.Error("LogCook", "%s", Written.Error().Message);
+		Log.Error("LogCook", "%s could not be written: %s", Path, Error.message());
 	}
 }
 
@@ -91,20 +96,26 @@ private:
 		return FQVPath::Combine(Project.ProjectDir(), "Releases", Version, "Windows");
 	}
 
-	/** Both registries into a folder: the game's, and below `Metadata` the one for tools. */
-	void WriteRegistries(const std::string& Folder)
+	/** Both registries into each folder: the game's, and below `Metadata` the one for tools. */
+	void WriteRegistries(const std::vector<std::string>& Folders)
 	{
-		const auto Runtime = Layout.GetRegistry().RuntimeFile();
-		const auto Development = Layout.GetRegistry().DevelopmentFile();
+		QVFormats::FAssetRegistryState State = Layout.FinishRegistry();
+		Log.Display("LogCook", "Saving asset registry of %d packages", State.Packages.size());
+		const auto Development = QVFormats::WriteAssetRegistry(State);
+		State.bFilterEditorOnly = true;
+		const auto Runtime = QVFormats::WriteAssetRegistry(State);
 		if (!Runtime || !Development)
 		{
 			Log.Error("LogCook", "the asset registry could not be made: %s",
 				(Runtime ? Development : Runtime).Error().Message);
 			return;
 		}
-		WriteOrComplain(FQVPath::Combine(Folder, "AssetRegistry.bin"), *Runtime, Log);
-		WriteOrComplain(
-			FQVPath::Combine(Folder, "Metadata", Project.DevelopmentAssetRegistryFilename()), *Development, Log);
+		for (const std::string& Folder : Folders)
+		{
+			WriteOrComplain(FQVPath::Combine(Folder, "AssetRegistry.bin"), *Runtime, Log);
+			WriteOrComplain(
+				FQVPath::Combine(Folder, "Metadata", Project.DevelopmentAssetRegistryFilename()), *Development, Log);
+		}
 	}
 
 	void WriteShaderArchive(const std::string& CookedDir, const std::string& Library)
@@ -136,10 +147,7 @@ private:
 			return; // a registry of half the packages would pass for a release
 		}
 		WriteShaderArchive(FQVPath::Combine(Root, "Content"), ProjectName());
-		WriteRegistries(Root);
-		WriteRegistries(ReleaseDir(Command.CreateRelease));
-		Log.Display(
-			"LogCook", "Release %s holds %d packages", Command.CreateRelease, Layout.GetRegistry().PackageCount());
+		WriteRegistries({Root, ReleaseDir(Command.CreateRelease)});
 	}
 
 	void CookDlc()
@@ -160,7 +168,7 @@ private:
 		Layout.AddFolder({"/" + Plugin->Name + "/", FQVPath::Combine(Plugin->BaseDir, "Content"), CookedDir});
 		Layout.Run();
 		WriteShaderArchive(CookedDir, Plugin->Name);
-		WriteRegistries(PluginRoot);
+		WriteRegistries({PluginRoot});
 	}
 
 	bool CheckBaseRelease()

@@ -2,10 +2,9 @@
 #pragma once
 
 #include "Standalone/Formats/Package/PackageHeader.h"
-#include "Standalone/Formats/Registry/AssetRegistry.h"
+#include "Standalone/Formats/Registry/AssetRegistryBuilder.h"
 
 #include <string>
-#include <unordered_map>
 
 namespace QVEngineTools
 {
@@ -17,21 +16,10 @@ public:
 	void AddPackage(const std::string& PackageName, const QVFormats::FPackageHeader& Header, std::int64_t Size,
 		const std::string& Extension);
 
-	std::size_t PackageCount() const { return State.Packages.size(); }
-	/** The game's flavour: assets only. */
-	QVFormats::TResult<std::vector<std::byte>> RuntimeFile() const;
-	/** Everything, with each package's dependencies and referencers. */
-	QVFormats::TResult<std::vector<std::byte>> DevelopmentFile() const;
+	/** Everything, with each package's dependencies and referencers; leaves the collection empty. */
+	QVFormats::FAssetRegistryState Finish() { return Builder.Finish(); }
 
 private:
-	QVFormats::FAssetRegistryState State;
-	std::unordered_map<std::string, std::uint32_t> NameEntries;
-	std::unordered_map<std::string, std::int32_t> NodeByPackage;
-
-	QVFormats::FNameRef Name(const std::string& Text);
-	std::int32_t Node(const std::string& PackageName);
-	void AddAsset(
-		const std::string& PackageName, const QVFormats::FPackageHeader& Header, const QVFormats::FPackageAsset& Asset);
-	void AddDependencies(const std::string& PackageName, const QVFormats::FPackageHeader& Header);
+	QVFormats::FAssetRegistryBuilder Builder{false};
 };
 } // namespace QVEngineTools

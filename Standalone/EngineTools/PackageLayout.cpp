@@ -4,6 +4,7 @@
 #include "Core/QVPath.h"
 #include "Core/QVString.h"
 #include "Standalone/Engine/Files.h"
+#include "Standalone/Engine/Interrupt.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/EngineTools/RawFile.h"
 #include "Standalone/Formats/Base/MappedFile.h"
@@ -55,6 +56,11 @@ void FPackageLayout::Run()
 	Log.Display("LogCook", "Cooking %d packages", Sources.size());
 	for (std::size_t Index = 0; Index < Sources.size(); ++Index)
 	{
+		if (QVStandalone::FInterrupt::IsRaised())
+		{
+			Log.Error("LogCook", "interrupted with %d of %d packages cooked", Index, Sources.size());
+			return;
+		}
 		CookOne(Sources[Index]);
 		if ((Index + 1) % ProgressEvery == 0)
 		{

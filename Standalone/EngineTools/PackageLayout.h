@@ -43,7 +43,8 @@ public:
 	/** Cooks all that was added. A package that cannot be read or written is an error in the log; the others go on. */
 	void Run();
 
-	const FCookRegistry& GetRegistry() const { return Registry; }
+	/** The registry of what was cooked; to be asked for once, after Run. */
+	QVFormats::FAssetRegistryState FinishRegistry() { return Registry.Finish(); }
 
 private:
 	struct FSource

@@ -33,9 +33,11 @@ FLine SplitLine(std::string_view Text)
 		}
 		Text.remove_prefix(bQuoted ? 1 : 0);
 		const std::size_t End = bQuoted ? Text.find('"') : std::min(Text.find_first_of(" \t"), Text.size());
-		Line.bOpenQuote = End == std::string_view::npos;
 		const std::size_t Length = std::min(End, Text.size());
-		Line.Words.emplace_back(Text.substr(0, Length));
+		const std::string_view Word = Text.substr(0, Length);
+		const bool bStrayQuote = !bQuoted && Word.find('"') != std::string_view::npos;
+		Line.bOpenQuote = Line.bOpenQuote || bStrayQuote || End == std::string_view::npos;
+		Line.Words.emplace_back(Word);
 		Text.remove_prefix(std::min(Length + (bQuoted ? 1 : 0), Text.size()));
 	}
 	return Line;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Core/QVString.h"
+#include "Standalone/Engine/Interrupt.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/EngineTools/PakCreation.h"
 #include "Standalone/EngineTools/ToolLog.h"
@@ -93,6 +94,7 @@ int RunUnrealPak(const FPakCommand& Command)
 		const std::size_t Index = Progress.FilesDone - 1;
 		Log.Display("LogPakFile", "Added file \"%s\"", Index < Destinations.size() ? Destinations[Index] : "");
 	};
+	Options.ShouldStop = &QVStandalone::FInterrupt::IsRaised;
 	const TResult<FPakWriteSummary> Summary = WritePak(QVStandalone::ToOsPath(Command.Pak), *Sources, Options);
 	if (!Summary)
 	{
@@ -112,5 +114,6 @@ int RunUnrealPak(const FPakCommand& Command)
 /** Stands for UnrealPak.exe on machines without Unreal: `<pak> -create=<response file> [-compress]`. */
 int main(int Count, char** Words)
 {
+	QVStandalone::FInterrupt::Install();
 	return QVEngineTools::RunUnrealPak(QVEngineTools::ParsePakCommand({Words + (Count > 0 ? 1 : 0), Words + Count}));
 }

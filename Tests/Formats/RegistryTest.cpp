@@ -40,10 +40,11 @@ std::size_t CountNames(const FAssetRegistryState& State)
 FAssetRegistryState MakeSmallState(bool bFilterEditorOnly)
 {
 	FAssetRegistryBuilder Builder(bFilterEditorOnly);
+	Builder.AddAsset({"/Game/Maps/Hall_2", "Hall_2", {}, "/Script/Engine.World", {{"Kind", "Map"}, {"Author", "Zoë"}},
+		{3}, 0x80022200});
 	Builder.AddAsset(
-		{"/Game/Maps/Hall_2", "Hall_2", "/Script/Engine.World", {{"Kind", "Map"}, {"Author", "Zoë"}}, {3}, 0x80022200});
-	Builder.AddAsset({"/Game/Maps/HALL_2", "Hall_2_C", "/Script/Engine.BlueprintGeneratedClass", {}, {}, 0x80022200});
-	Builder.AddAsset({"/Game/Räume/Rock", "Rock", "/Script/Engine.StaticMesh", {{"Kind", "Map"}}, {}, 0x80002200});
+		{"/Game/Maps/HALL_2", "Hall_2_C", {}, "/Script/Engine.BlueprintGeneratedClass", {}, {}, 0x80022200});
+	Builder.AddAsset({"/Game/Räume/Rock", "Rock", {}, "/Script/Engine.StaticMesh", {{"Kind", "Map"}}, {}, 0x80002200});
 	if (!bFilterEditorOnly)
 	{
 		Builder.AddDependency("/Game/Maps/Hall_2", "/Game/Räume/Rock", FDependencySet::Of(true, false));

@@ -92,7 +92,8 @@ std::pair<std::string, std::string> SplitAtBar(const std::string& Rest)
 
 void WriteFile(const fs::path& Path, std::string_view Bytes)
 {
-	fs::create_directories(Path.parent_path());
+	std::error_code Ignored;
+	fs::create_directories(Path.parent_path(), Ignored);
 	std::ofstream File(Path, std::ios::binary);
 	File << Bytes;
 	if (!File.flush())

@@ -114,6 +114,7 @@ public:
 	int Spawn(pid_t& OutId, const std::string& Program, std::vector<std::string>& Arguments) const
 	{
 		std::vector<char*> Pointers;
+		Pointers.reserve(Arguments.size() + 1);
 		for (std::string& Argument : Arguments)
 		{
 			Pointers.push_back(Argument.data());

@@ -5,6 +5,11 @@
 
 namespace QVFormats
 {
+void FByteWriter::Append(FBytes Bytes)
+{
+	Data.insert(Data.end(), Bytes.begin(), Bytes.end());
+}
+
 void FByteWriter::String(std::string_view Utf8)
 {
 	if (Utf8.empty())

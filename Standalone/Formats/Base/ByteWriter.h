@@ -22,7 +22,7 @@ public:
 	void I32(std::int32_t Value) { Write(Value); }
 	void I64(std::int64_t Value) { Write(Value); }
 	void Bool32(bool bValue) { U32(bValue ? 1 : 0); }
-	void Append(FBytes Bytes) { Data.insert(Data.end(), Bytes.begin(), Bytes.end()); }
+	void Append(FBytes Bytes);
 	void Zeros(std::size_t Count) { Data.resize(Data.size() + Count); }
 
 	/** FString in the form that the engine picks: bytes when all characters are below 0x80, else UTF-16. */

@@ -23,6 +23,8 @@ public:
 
 	/** Fills Out from Offset on; fewer bytes are given only where the file ends. */
 	TResult<std::size_t> ReadAt(std::uint64_t Offset, std::span<std::byte> Out);
+	/** Has the system fetch these bytes meanwhile, so that reading them later does not wait for the disk. */
+	void WillRead(std::uint64_t Offset, std::uint64_t Count);
 	/** The size when it was opened. */
 	std::uint64_t Size() const { return OpenedSize; }
 

@@ -223,15 +223,17 @@ void AddMapExports(FPackageSpec& Spec, FImports& Imports, const FWorldPackageSpe
 	FillLevel(Spec.Exports[LevelExport], World.PackageName, Actors);
 }
 
+/** Noise that compresses to about a half, as cooked data does. */
 std::vector<std::byte> MakePayload(std::size_t Size, std::uint64_t Seed)
 {
+	constexpr std::uint64_t HalfOfTheBits = 0x0F0F0F0F0F0F0F0F;
 	FByteWriter Out;
 	while (Out.Position() < Size)
 	{
 		Seed += 0x9E3779B97F4A7C15; // splitmix64
 		std::uint64_t Word = (Seed ^ (Seed >> 30)) * 0xBF58476D1CE4E5B9;
 		Word = (Word ^ (Word >> 27)) * 0x94D049BB133111EB;
-		Out.U64(Word ^ (Word >> 31));
+		Out.U64((Word ^ (Word >> 31)) & HalfOfTheBits);
 	}
 	std::vector<std::byte> Bytes = Out.Release();
 	Bytes.resize(Size);

@@ -2,6 +2,7 @@
 #include "Standalone/Formats/Pak/PakPaths.h"
 
 #include <algorithm>
+#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -120,7 +121,12 @@ TResult<std::string> NormalizePakDestination(std::string_view Destination)
 int ComparePakPaths(std::string_view A, std::string_view B)
 {
 	const std::size_t Shared = std::min(A.size(), B.size());
-	for (std::size_t Index = 0; Index < Shared; ++Index)
+	std::size_t Same = 0;
+	while (Same + 8 <= Shared && std::memcmp(A.data() + Same, B.data() + Same, 8) == 0)
+	{
+		Same += 8;
+	}
+	for (std::size_t Index = Same; Index < Shared; ++Index)
 	{
 		if (A[Index] != B[Index] && Lower(A[Index]) != Lower(B[Index]))
 		{

@@ -17,15 +17,15 @@ void BlocksByIndex(const FPakEntry& Entry, std::vector<FPakBlock>& Blocks)
 	{
 		if (!Blocks.empty())
 		{
-			std::memcpy(Blocks.data(), Entry.BlockTable.data(), Entry.BlockTable.size());
+			std::memcpy(Blocks.data(), Entry.BlockTableData, Entry.BlockTable().size());
 		}
 		return;
 	}
-	FByteReader Lengths(Entry.BlockTable);
+	FByteReader Lengths(Entry.BlockTable());
 	std::uint64_t Start = Entry.HeadBytes();
 	for (FPakBlock& Block : Blocks)
 	{
-		const std::uint64_t Length = Entry.BlockTable.empty() ? Entry.Size : Lengths.U32();
+		const std::uint64_t Length = Entry.BlockTableData == nullptr ? Entry.Size : Lengths.U32();
 		Block = {static_cast<std::int64_t>(Start), static_cast<std::int64_t>(Start + Length)};
 		Start += PakStoredBytes(Length, Entry.bEncrypted);
 	}

@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Formats/Pak/PakRecordWriter.h"
 
-#include "Standalone/Formats/Base/InputFile.h"
-#include "Standalone/Formats/Base/PathText.h"
-#include "Standalone/Formats/Pak/CompressionProbe.h"
-
 #include <algorithm>
 
 namespace QVFormats
@@ -13,122 +9,23 @@ namespace
 {
 /** Small files are handed out in lots of about this much, large ones in pieces of exactly this. */
 constexpr std::uint64_t JobBytes = 4 * PakBlockBytes;
-constexpr std::size_t MostFilesInJob = 256;
+/** All of a lot are open at once. */
+constexpr std::size_t MostFilesInJob = 32;
 constexpr std::size_t SlotsForThread = 4;
+/** How far ahead of the piece at hand the disk is asked for the next. */
+constexpr std::uint64_t ReadAheadBytes = 16 * JobBytes;
 constexpr std::uint64_t PlainHeadBytes = PakRecordHeadBytes(0, 0);
-
-FBytes BlockOf(FBytes Bytes, std::size_t Begin)
-{
-	return Bytes.subspan(Begin, std::min<std::size_t>(PakBlockBytes, Bytes.size() - Begin));
-}
-
-FError ChangedError(const FPlannedFile& File)
-{
-	return {PathText(File.Source) + " changed while it was being packed: it had " + std::to_string(File.Size) +
-			" bytes before, and no longer does; pack again when nothing writes to it"};
-}
-
-/** Fills Out, and where it reaches the file's end, makes sure that it is the end. */
-FStatus ReadExactly(const FPlannedFile& File, std::uint64_t Begin, std::span<std::byte> Out)
-{
-	TResult<FInputFile> Input = FInputFile::Open(File.Source);
-	if (!Input)
-	{
-		return Input.Error();
-	}
-	if (Input->Size() != File.Size)
-	{
-		return ChangedError(File);
-	}
-	const TResult<std::size_t> Count = Input->ReadAt(Begin, Out);
-	if (!Count)
-	{
-		return Count.Error();
-	}
-	return *Count == Out.size() ? Success() : FStatus(ChangedError(File));
-}
-
-void WriteHead(const FPakStoredFile& File, std::byte* Place)
-{
-	FByteWriter Head;
-	File.Record(0).Write(Head);
-	std::memcpy(Place, Head.Bytes().data(), Head.Bytes().size());
-}
-
-/** Compresses blocks one behind the other. */
-class FBlockPacker
-{
-public:
-	FBlockPacker(FZlibCompressor& InCompressor, FZlibCompressor& InStorer, std::span<std::byte> InOut)
-		: Compressor(InCompressor)
-		, Storer(InStorer)
-		, Out(InOut)
-	{
-	}
-
-	/** False when there is no memory for it. */
-	bool Add(FBytes Block)
-	{
-		const std::size_t Length =
-			(IsSurelyIncompressible(Block) ? Storer : Compressor).Compress(Block, Out.subspan(Used));
-		Lengths.push_back(static_cast<std::uint32_t>(Length));
-		Used += Length;
-		return Length > 0;
-	}
-
-	FZlibCompressor& Compressor;
-	FZlibCompressor& Storer;
-	std::span<std::byte> Out;
-	std::size_t Used = 0;
-	std::vector<std::uint32_t> Lengths;
-};
-
-FError NoMemory(const FPlannedFile& File)
-{
-	return {PathText(File.Source) + " could not be compressed: not enough memory"};
-}
 } // namespace
 
-std::uint32_t FPakStoredFile::BlockSize() const
-{
-	return bCompressed ? static_cast<std::uint32_t>(std::min<std::uint64_t>(PakBlockBytes, UncompressedSize)) : 0;
-}
-
-FPakRecord FPakStoredFile::Record(std::uint64_t OffsetField) const
-{
-	FPakRecord Result;
-	Result.Offset = static_cast<std::int64_t>(OffsetField);
-	Result.Size = static_cast<std::int64_t>(Size);
-	Result.UncompressedSize = static_cast<std::int64_t>(UncompressedSize);
-	Result.Method = bCompressed ? 1 : 0;
-	Result.Hash = Hash;
-	std::int64_t Start = static_cast<std::int64_t>(HeadBytes());
-	for (const std::uint32_t Length : BlockLengths)
-	{
-		Result.Blocks.push_back({Start, Start + Length});
-		Start += Length;
-	}
-	Result.BlockSize = BlockSize();
-	return Result;
-}
-
-std::span<std::byte> FPakBuffer::Take(std::size_t Size)
-{
-	if (Size > Capacity)
-	{
-		Data = std::make_unique_for_overwrite<std::byte[]>(Size);
-		Capacity = Size;
-	}
-	return {Data.get(), Size};
-}
-
-FPakRecordWriter::FPakRecordWriter(const FPakPlan& InPlan, FOutputFile& InOut, unsigned Threads, FOnFile InOnFile)
+FPakRecordWriter::FPakRecordWriter(
+	const FPakPlan& InPlan, FOutputFile& InOut, unsigned Threads, FOnFile InOnFile, std::function<bool()> InShouldStop)
 	: Plan(InPlan)
 	, Out(InOut)
 	, OnFile(std::move(InOnFile))
+	, ShouldStop(std::move(InShouldStop))
 	, Jobs(PlanJobs(InPlan))
-	, Workers(ThreadCount(Threads, Jobs.size()))
-	, Ordered(static_cast<unsigned>(Workers.size()), Workers.size() * SlotsForThread)
+	, Makers(ThreadCount(Threads, Jobs.size()))
+	, Ordered(static_cast<unsigned>(Makers.size()), Makers.size() * SlotsForThread)
 	, Stored(InPlan.Files.size())
 {
 	for (const FPlannedFile& File : Plan.Files)
@@ -177,8 +74,8 @@ FStatus FPakRecordWriter::Run()
 			First, Jobs.size(),
 			[this](unsigned Worker, std::size_t Job, FSlot& Slot)
 			{
-				const FStatus Status = Jobs[Job].Count > 0 ? MakeFiles(Workers[Worker], Jobs[Job], Slot)
-														   : MakePiece(Workers[Worker], Jobs[Job], Slot);
+				const FStatus Status = Jobs[Job].Count > 0 ? MakeFiles(Makers[Worker], Jobs[Job], Slot)
+														   : MakePiece(Makers[Worker], Jobs[Job], Slot);
 				Slot.Error = Status ? std::nullopt : std::optional(Status.Error());
 			},
 			[this](std::size_t Job, FSlot& Slot) { return Finish(Jobs[Job], Slot); });
@@ -192,7 +89,7 @@ FStatus FPakRecordWriter::Run()
 	return Success();
 }
 
-FStatus FPakRecordWriter::MakeFiles(FWorker& Worker, const FJob& Job, FSlot& Slot) const
+FStatus FPakRecordWriter::MakeFiles(FPakRecordMaker& Maker, const FJob& Job, FSlot& Slot) const
 {
 	std::uint64_t Most = 0;
 	for (std::size_t Number = Job.First; Number < Job.First + Job.Count; ++Number)
@@ -200,14 +97,25 @@ FStatus FPakRecordWriter::MakeFiles(FWorker& Worker, const FJob& Job, FSlot& Slo
 		Most += PlainHeadBytes + Plan.Files[Number].Size;
 	}
 	const std::span<std::byte> Room = Slot.Buffer.Take(static_cast<std::size_t>(Most));
+	std::vector<FInputFile> Inputs;
+	for (std::size_t Number = Job.First; Number < Job.First + Job.Count; ++Number)
+	{
+		TResult<FInputFile> Input = OpenPakSource(Plan.Files[Number]);
+		if (!Input)
+		{
+			return Input.Error();
+		}
+		Inputs.push_back(std::move(*Input));
+		Inputs.back().WillRead(0, Plan.Files[Number].Size);
+	}
 	Slot.Used = 0;
 	Slot.Files.assign(Job.Count, {});
 	for (std::size_t Index = 0; Index < Job.Count; ++Index)
 	{
 		FPakStoredFile& Result = Slot.Files[Index];
 		Result.Offset = Slot.Used;
-		const FStatus Status = MakeFile(Worker, Plan.Files[Job.First + Index], Room.subspan(Slot.Used), Result);
-		if (!Status)
+		const FPlannedFile& File = Plan.Files[Job.First + Index];
+		if (FStatus Status = Maker.MakeRecord(File, Inputs[Index], Room.subspan(Slot.Used), Result); !Status)
 		{
 			return Status;
 		}
@@ -216,82 +124,43 @@ FStatus FPakRecordWriter::MakeFiles(FWorker& Worker, const FJob& Job, FSlot& Slo
 	return Success();
 }
 
-/** Reads the file to where its plain payload belongs; what compression makes of it replaces it there if it pays. */
-FStatus FPakRecordWriter::MakeFile(
-	FWorker& Worker, const FPlannedFile& File, std::span<std::byte> Room, FPakStoredFile& Result)
-{
-	const std::span<std::byte> Plain = Room.subspan(PlainHeadBytes, static_cast<std::size_t>(File.Size));
-	if (FStatus Status = ReadExactly(File, 0, Plain); !Status)
-	{
-		return Status;
-	}
-	Result.Size = Result.UncompressedSize = File.Size;
-	if (File.bCompress && PakCompressionPays(File.Size, 0))
-	{
-		const auto Blocks = static_cast<std::size_t>(PakBlockCount(File.Size, PakBlockBytes));
-		FBlockPacker Packer(
-			Worker.Compressor, Worker.Storer, Worker.Output.Take(Blocks * CompressedBound(PakBlockBytes)));
-		for (std::size_t Begin = 0; Begin < Plain.size() && PakCompressionPays(File.Size, Packer.Used);
-			 Begin += PakBlockBytes)
-		{
-			if (!Packer.Add(BlockOf(Plain, Begin)))
-			{
-				return NoMemory(File);
-			}
-		}
-		if (PakCompressionPays(File.Size, Packer.Used))
-		{
-			Result.bCompressed = true;
-			Result.Size = Packer.Used;
-			Result.BlockLengths = std::move(Packer.Lengths);
-			// A saving of 1,024 bytes and 5 percent is more than the longer head takes, so it fits.
-			std::memcpy(Room.data() + Result.HeadBytes(), Packer.Out.data(), Packer.Used);
-		}
-	}
-	const FBytes Payload =
-		Room.subspan(static_cast<std::size_t>(Result.HeadBytes()), static_cast<std::size_t>(Result.Size));
-	Result.Hash = FSha1::Of(Payload);
-	WriteHead(Result, Room.data());
-	return Success();
-}
-
-FStatus FPakRecordWriter::MakePiece(FWorker& Worker, const FJob& Job, FSlot& Slot) const
+FStatus FPakRecordWriter::MakePiece(FPakRecordMaker& Maker, const FJob& Job, FSlot& Slot) const
 {
 	const FPlannedFile& File = Plan.Files[Job.First];
 	const EStorage How = Storage[Job.First];
 	const bool bStoresPlain = How == EStorage::Plain || How == EStorage::GuessPlain;
-	const auto Size = static_cast<std::size_t>(std::min(JobBytes, File.Size - Job.Begin));
-	const std::span<std::byte> Plain = (bStoresPlain ? Slot.Buffer : Worker.Input).Take(Size);
-	if (FStatus Status = ReadExactly(File, Job.Begin, Plain); !Status)
+	TResult<FInputFile> Input = OpenPakSource(File);
+	if (!Input)
+	{
+		return Input.Error();
+	}
+	Input->WillRead(Job.Begin == 0 ? 0 : Job.Begin + ReadAheadBytes, Job.Begin == 0 ? ReadAheadBytes : JobBytes);
+	Slot.Used = static_cast<std::size_t>(std::min(JobBytes, File.Size - Job.Begin));
+	const std::span<std::byte> Plain = (bStoresPlain ? Slot.Buffer : Maker.Input).Take(Slot.Used);
+	FStatus Status = ReadPakSource(File, *Input, Job.Begin, Plain);
+	if (!Status || How == EStorage::Plain)
 	{
 		return Status;
 	}
-	Slot.Used = Size;
-	if (How == EStorage::Plain)
-	{
-		return Success();
-	}
 	constexpr std::size_t MostBlocks = JobBytes / PakBlockBytes;
-	FBlockPacker Packer(Worker.Compressor, Worker.Storer,
-		(bStoresPlain ? Worker.Output : Slot.Buffer).Take(MostBlocks * CompressedBound(PakBlockBytes)));
-	for (std::size_t Begin = 0; Begin < Size; Begin += PakBlockBytes)
-	{
-		if (!Packer.Add(BlockOf(Plain, Begin)))
-		{
-			return NoMemory(File);
-		}
-	}
-	Slot.CompressedBytes = Packer.Used;
+	const std::span<std::byte> Compressed =
+		(bStoresPlain ? Maker.Output : Slot.Buffer).Take(MostBlocks * CompressedBound(PakBlockBytes));
+	Slot.BlockLengths.clear();
+	Slot.CompressedBytes = 0;
+	Status = Maker.Compress(File, Plain, Compressed, Slot.BlockLengths, Slot.CompressedBytes);
 	if (!bStoresPlain)
 	{
-		Slot.Used = Packer.Used;
-		Slot.BlockLengths = std::move(Packer.Lengths);
+		Slot.Used = static_cast<std::size_t>(Slot.CompressedBytes);
 	}
-	return Success();
+	return Status;
 }
 
 bool FPakRecordWriter::Finish(const FJob& Job, FSlot& Slot)
 {
+	if (!Slot.Error && ShouldStop && ShouldStop())
+	{
+		Slot.Error = FError{"the work was stopped before the pak was done"};
+	}
 	if (Slot.Error)
 	{
 		Error = std::move(Slot.Error);

@@ -1,43 +1,14 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Standalone/Formats/Base/Compression.h"
 #include "Standalone/Formats/Base/OrderedJobs.h"
 #include "Standalone/Formats/Base/OutputFile.h"
-#include "Standalone/Formats/Pak/PakFormat.h"
-#include "Standalone/Formats/Pak/PakPlan.h"
+#include "Standalone/Formats/Pak/PakRecordMaker.h"
 
 #include <optional>
 
 namespace QVFormats
 {
-/** A file as it lies in the pak that is being written. */
-struct FPakStoredFile
-{
-	std::uint64_t Offset = 0;
-	std::uint64_t Size = 0;
-	std::uint64_t UncompressedSize = 0;
-	FSha1Hash Hash{};
-	bool bCompressed = false;
-	/** Of each compressed block. */
-	std::vector<std::uint32_t> BlockLengths;
-
-	std::uint64_t HeadBytes() const { return PakRecordHeadBytes(bCompressed ? 1 : 0, BlockLengths.size()); }
-	std::uint32_t BlockSize() const;
-	/** Its record, with this as the first field. */
-	FPakRecord Record(std::uint64_t OffsetField) const;
-};
-
-/** Memory without its zeroing. */
-struct FPakBuffer
-{
-	std::unique_ptr<std::byte[]> Data;
-	std::size_t Capacity = 0;
-
-	/** What was in it is lost when it grows. */
-	std::span<std::byte> Take(std::size_t Size);
-};
-
 /**
  * Writes the data records of a pak, which do not depend on how many threads took part. Small files go through one
  * thread each, several to a job; large ones in pieces, whose record head is written when all are known. Whether
@@ -48,7 +19,8 @@ class FPakRecordWriter
 public:
 	using FOnFile = std::function<void(std::size_t FilesDone)>;
 
-	FPakRecordWriter(const FPakPlan& InPlan, FOutputFile& InOut, unsigned Threads, FOnFile InOnFile);
+	FPakRecordWriter(const FPakPlan& InPlan, FOutputFile& InOut, unsigned Threads, FOnFile InOnFile,
+		std::function<bool()> InShouldStop);
 
 	FStatus Run();
 	/** After Run: one for each file of the plan. */
@@ -86,19 +58,9 @@ private:
 		std::optional<FError> Error;
 	};
 
-	struct FWorker
-	{
-		FZlibCompressor Compressor;
-		FZlibCompressor Storer{0};
-		FPakBuffer Input;
-		FPakBuffer Output;
-	};
-
 	static std::vector<FJob> PlanJobs(const FPakPlan& Plan);
-	FStatus MakeFiles(FWorker& Worker, const FJob& Job, FSlot& Slot) const;
-	static FStatus MakeFile(
-		FWorker& Worker, const FPlannedFile& File, std::span<std::byte> Room, FPakStoredFile& Result);
-	FStatus MakePiece(FWorker& Worker, const FJob& Job, FSlot& Slot) const;
+	FStatus MakeFiles(FPakRecordMaker& Maker, const FJob& Job, FSlot& Slot) const;
+	FStatus MakePiece(FPakRecordMaker& Maker, const FJob& Job, FSlot& Slot) const;
 	bool Finish(const FJob& Job, FSlot& Slot);
 	FStatus FinishFiles(const FJob& Job, FSlot& Slot);
 	FStatus FinishPiece(const FJob& Job, FSlot& Slot);
@@ -109,9 +71,10 @@ private:
 	const FPakPlan& Plan;
 	FOutputFile& Out;
 	FOnFile OnFile;
+	std::function<bool()> ShouldStop;
 	std::vector<FJob> Jobs;
 	std::vector<EStorage> Storage;
-	std::vector<FWorker> Workers;
+	std::vector<FPakRecordMaker> Makers;
 	TOrderedJobs<FSlot> Ordered;
 	std::vector<FPakStoredFile> Stored;
 	std::uint64_t Position = 0;

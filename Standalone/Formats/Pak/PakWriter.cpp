@@ -76,7 +76,7 @@ TResult<FPakWriteSummary> WritePak(
 	{
 		OnFile = [&](std::size_t FilesDone) { Options.OnFile({FilesDone, Plan->Files.size()}); };
 	}
-	FPakRecordWriter Records(*Plan, *Out, Options.Threads, std::move(OnFile));
+	FPakRecordWriter Records(*Plan, *Out, Options.Threads, std::move(OnFile), Options.ShouldStop);
 	if (FStatus Status = Records.Run(); !Status)
 	{
 		return Status.Error();

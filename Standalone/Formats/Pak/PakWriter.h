@@ -22,6 +22,8 @@ struct FPakWriteOptions
 	std::optional<std::uint64_t> PathHashSeed;
 	/** After every file, in the order of the records; on any thread, never twice at once. */
 	std::function<void(const FPakWriteProgress&)> OnFile;
+	/** Asked again and again, on any thread; true ends the work with an error. */
+	std::function<bool()> ShouldStop;
 };
 
 struct FPakWriteSummary

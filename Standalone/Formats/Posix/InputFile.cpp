@@ -94,4 +94,10 @@ TResult<std::size_t> FInputFile::ReadAt(std::uint64_t Offset, std::span<std::byt
 	}
 	return Done;
 }
+
+void FInputFile::WillRead(std::uint64_t Offset, std::uint64_t Count)
+{
+	::posix_fadvise(
+		static_cast<int>(Handle), static_cast<off_t>(Offset), static_cast<off_t>(Count), POSIX_FADV_WILLNEED);
+}
 } // namespace QVFormats

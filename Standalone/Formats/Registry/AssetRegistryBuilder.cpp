@@ -40,13 +40,15 @@ void FAssetRegistryBuilder::AddAsset(const FRegistryAssetSpec& Spec)
 {
 	const std::string_view Package = Spec.PackageName;
 	const std::string_view Class = Spec.ClassPath;
-	const std::size_t Dot = std::min(Class.find('.'), Class.size());
+	const std::size_t Dot = Class.find('.');
+	const bool bHasPackage = Dot != std::string_view::npos;
 	FRegistryAsset Asset;
 	Asset.PackagePath = Name(Package.substr(0, std::min(Package.rfind('/'), Package.size())));
-	Asset.ClassPackage = Name(Class.substr(0, Dot));
-	Asset.ClassName = Name(Class.substr(std::min(Dot + 1, Class.size())));
+	Asset.ClassPackage = Name(bHasPackage ? Class.substr(0, Dot) : std::string_view());
+	Asset.ClassName = Name(bHasPackage ? Class.substr(Dot + 1) : Class);
 	Asset.PackageName = Name(Package);
 	Asset.AssetName = Name(Spec.AssetName);
+	Asset.OuterPath = Name(Spec.OuterPath);
 	Asset.FirstTag = Spec.Tags.empty() ? 0 : static_cast<std::uint32_t>(State.Tags.size());
 	Asset.TagCount = static_cast<std::uint32_t>(Spec.Tags.size());
 	Asset.ChunkIds = Spec.ChunkIds;

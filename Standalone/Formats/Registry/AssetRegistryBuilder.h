@@ -13,7 +13,9 @@ struct FRegistryAssetSpec
 	/** `/Game/Maps/Hall` and `Hall`. */
 	std::string PackageName;
 	std::string AssetName;
-	/** `/Script/Engine.World`. */
+	/** The level of an external actor, `/Game/Hall.Hall:PersistentLevel`; else empty. */
+	std::string OuterPath;
+	/** `/Script/Engine.World`; `World` in packages of before 5.1. */
 	std::string ClassPath;
 	std::vector<std::pair<std::string, std::string>> Tags;
 	std::vector<std::int32_t> ChunkIds;

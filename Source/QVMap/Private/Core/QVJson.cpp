@@ -18,6 +18,38 @@ bool IsNonZeroNumber(std::string_view Text)
 }
 } // namespace
 
+FQVJson::FQVJson() = default;
+FQVJson::FQVJson(const FQVJson& Other) = default;
+FQVJson::FQVJson(FQVJson&& Other) noexcept = default;
+FQVJson& FQVJson::operator=(const FQVJson& Other) = default;
+FQVJson& FQVJson::operator=(FQVJson&& Other) noexcept = default;
+FQVJson::~FQVJson() = default;
+
+FQVJson::FQVJson(bool bValue)
+	: Value(bValue)
+{
+}
+
+FQVJson::FQVJson(double Number)
+	: Value(Number)
+{
+}
+
+FQVJson::FQVJson(std::string Text)
+	: Value(std::move(Text))
+{
+}
+
+FQVJson::FQVJson(std::string_view Text)
+	: Value(std::string(Text))
+{
+}
+
+FQVJson::FQVJson(const char* Text)
+	: Value(std::string(Text))
+{
+}
+
 FQVJson FQVJson::Object()
 {
 	FQVJson Result;

@@ -18,28 +18,23 @@ public:
 	using FArray = std::vector<FQVJson>;
 	using FObject = std::vector<FQVJsonMember>;
 
-	FQVJson() = default; // null
-	FQVJson(bool bValue)
-		: Value(bValue)
+	// all that needs FQVJsonMember complete is defined in the source file
+	FQVJson(); // null
+	FQVJson(const FQVJson& Other);
+	FQVJson(FQVJson&& Other) noexcept;
+	FQVJson& operator=(const FQVJson& Other);
+	FQVJson& operator=(FQVJson&& Other) noexcept;
+	~FQVJson();
+	FQVJson(bool bValue);
+	FQVJson(double Number);
+	template<std::integral T>
+	requires(!std::same_as<T, bool>) FQVJson(T Number)
+		: FQVJson(static_cast<double>(Number))
 	{
 	}
-	template<class T>
-	requires(std::integral<T> || std::floating_point<T>) && (!std::same_as<T, bool>)FQVJson(T Number)
-		: Value(static_cast<double>(Number))
-	{
-	}
-	FQVJson(std::string Text)
-		: Value(std::move(Text))
-	{
-	}
-	FQVJson(std::string_view Text)
-		: Value(std::string(Text))
-	{
-	}
-	FQVJson(const char* Text)
-		: Value(std::string(Text))
-	{
-	}
+	FQVJson(std::string Text);
+	FQVJson(std::string_view Text);
+	FQVJson(const char* Text);
 	static FQVJson Object();
 	static FQVJson Array();
 	/** An array of strings. */

@@ -24,7 +24,7 @@ constexpr std::uint32_t BlockBits = 14;
 constexpr std::uint32_t BlockSize = 1u << BlockBits;
 constexpr std::uint32_t MaxBlocks = 1u << 14;
 constexpr std::size_t ShardCount = 64;
-constexpr std::size_t ArenaBytes = 64 * 1024;
+constexpr std::size_t ArenaBytes = 65'536;
 
 std::uint32_t HashFolded(std::string_view Text)
 {

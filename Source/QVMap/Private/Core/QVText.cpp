@@ -28,7 +28,7 @@ struct FRenderer
 	std::string operator()(const std::string& Text) const { return Text; }
 	std::string operator()(std::int64_t Number) const { return FQVText::AsNumber(Number); }
 	std::string operator()(double Number) const { return FQVText::AsNumber(Number); }
-	std::string operator()(const std::vector<FQVText>& Text) const { return Text.front().ToString(); }
+	std::string operator()(const std::shared_ptr<const FQVText>& Text) const { return Text->ToString(); }
 };
 
 const FQVTextArgument* FindArgument(std::string_view Name, const std::vector<FQVTextArgument>& Arguments)
@@ -46,7 +46,7 @@ const FQVTextArgument* FindArgument(std::string_view Name, const std::vector<FQV
 } // namespace
 
 FQVTextArgument::FQVTextArgument(FQVText InText)
-	: Value(std::vector<FQVText>{std::move(InText)})
+	: Value(std::make_shared<const FQVText>(std::move(InText)))
 {
 }
 
@@ -78,8 +78,9 @@ std::string FQVText::Format(std::string_view Pattern, const std::vector<FQVTextA
 
 std::string FQVText::AsNumber(std::int64_t Number)
 {
-	const std::string Digits = QVPrintf("%d", Number);
-	return Number < 0 ? "-" + Group(std::string_view(Digits).substr(1)) : Group(Digits);
+	const std::string Text = QVPrintf("%d", Number);
+	const std::size_t Sign = Number < 0 ? 1 : 0;
+	return Text.substr(0, Sign).append(Group(std::string_view(Text).substr(Sign)));
 }
 
 std::string FQVText::AsNumber(double Number)

@@ -3,6 +3,7 @@
 
 #include <concepts>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -14,7 +15,7 @@ class FQVText;
 /** An argument of a text: `{0}` by position or `{Name}` by name. Numbers are grouped when they are rendered. */
 struct FQVTextArgument
 {
-	using FValue = std::variant<std::string, std::int64_t, double, std::vector<FQVText>>;
+	using FValue = std::variant<std::string, std::int64_t, double, std::shared_ptr<const FQVText>>;
 
 	std::string Name;
 	FValue Value;

@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+#include "Tests/Cli/CliTest.h"
+
+#include "Core/QVPrintf.h"
+#include "Core/QVText.h"
+
+#include <nlohmann/json.hpp>
+
+using namespace QVTest;
+namespace fs = std::filesystem;
+
+namespace
+{
+constexpr std::string_view StandInNote =
+	"note: made with the bundled stand-in tools: content is laid out, not converted, and the game will not load it. "
+	"Name an installed engine with --engine.\n";
+
+class FMainJob : public FCliTest
+{
+protected:
+	const fs::path Cooked = "Plugins/Harbor/Saved/Cooked/Windows/SampleMaps/Plugins/Harbor/Content";
+
+	static std::string Number(std::uintmax_t Value) { return FQVText::AsNumber(static_cast<std::int64_t>(Value)); }
+
+	/** What must be in Harbor's pak, by its name there. */
+	FTree HarborFiles() const
+	{
+		FTree Files = ReadFiles(Folder / Cooked);
+		Files["manifest.json"] = Get("Saved/QVPak/Temp/Harbor_manifest.json");
+		return Files;
+	}
+};
+} // namespace
+
+TEST_F(FMainJob, SampleMapsReleasePackAndBack)
+{
+	Expect({"sample", "Пример 1"}, 0, "project  <T>/Пример 1/SampleMaps.uproject\n",
+		"  next: cd \"<T>/Пример 1\", then qvmap maps, qvmap base-release build, qvmap pack Harbor\n");
+	Folder /= fs::path(u8"Пример 1");
+	Expect({"maps"}, 0,
+		"Cave  (1 map)\n  /Cave/Maps/Hall\nHarbor  (2 maps)\n  /Harbor/Maps/Docks\n  /Harbor/Maps/Pier\n", "");
+
+	Expect({"base-release", "status"}, 1, "",
+		"error: No base release found at <T>/Пример 1/Releases/1.0.\n  fix: qvmap base-release build\n");
+	ExpectFailure({"pack", "Harbor"},
+		"error: No base release found at <T>/Пример 1/Releases/1.0.\n  fix: qvmap base-release build\n");
+	Expect({"base-release", "build"}, 0, "base release  <T>/Пример 1/Releases/1.0\n",
+		"[cooking 0%] Building base release...\n[cooking 100%] Base release built\n" + std::string(StandInNote));
+	const std::string Registry = "Releases/1.0/Windows/Metadata/DevelopmentAssetRegistry.bin";
+	Expect({"base-release", "status"}, 0,
+		"base release  <T>/Пример 1/Releases/1.0\npackages      5\nregistry      <T>/Пример 1/" + Registry + ", " +
+			Number(fs::file_size(Folder / Registry)) + " bytes, <Date> UTC\n",
+		"");
+	Expect({"maps"}, 0,
+		"Cave  (1 map)\n  /Cave/Maps/Hall\nHarbor  (2 maps)\n  /Harbor/Maps/Docks\n  /Harbor/Maps/Pier\n", "");
+
+	const FProgramEnd Packed = Run({"pack", "Harbor"});
+	ASSERT_EQ(Paks().size(), 1);
+	const fs::path Pak = Paks().front();
+	const FTree Files = HarborFiles();
+	EXPECT_EQ(Files.size(), 14);
+	EXPECT_EQ(Packed.Code, 0);
+	EXPECT_EQ(
+		Packed.Out, QVPrintf("pak  <T>/Пример 1/Saved/QVPak/Output/Harbor_<Id>.pak\n     14 file(s) packed, %.2f MB.\n"
+							 "log  <T>/Пример 1/Saved/QVPak/Logs/Harbor_<Time>.log\n",
+						static_cast<double>(fs::file_size(Pak)) / 1'048'576));
+	EXPECT_EQ(Packed.Err,
+		"[validating 0%] Checking plugin...\n[validating 40%] Scanning for maps...\n"
+		"[validating 60%] Generating manifest...\n[cooking 0%] Starting cook...\n"
+		"[cooking 100%] Cook completed\n[packing 0%] Starting PAK creation...\n[packing 100%] PAK created (" +
+			std::to_string(fs::file_size(Pak)) + " bytes)\n[done 100%] Writing log...\n" + std::string(StandInNote));
+
+	std::string Listed;
+	std::uintmax_t Bytes = 0;
+	std::uintmax_t Stored = 0;
+	std::uintmax_t Inflated = 0;
+	const auto Json = nlohmann::json::parse(Run({"pak", "list", Pak.string(), "--format", "json"}).Out);
+	for (const auto& File : Json["files"])
+	{
+		const std::string Name = File["path"];
+		const std::uintmax_t Size = Files.at(Name).size();
+		const std::string Text = Number(Size);
+		Listed += std::string(14 - Text.size(), ' ') + Text + "  " + Name + "\n";
+		Bytes += Size;
+		Stored += File["stored_bytes"].get<std::uintmax_t>();
+		Inflated += File["compression"] == "Zlib" ? Size : 0;
+	}
+	Expect({"pak", "list", Pak.string()}, 0,
+		QVPrintf("%s14 files, %s bytes, %s stored; version 11, mounted at ../../../Harbor/Content/\n", Listed,
+			Number(Bytes), Number(Stored)),
+		"");
+	Expect({"pak", "verify", Pak.string()}, 0,
+		QVPrintf(
+			"<T>/Пример 1/Saved/QVPak/Output/Harbor_<Id>.pak: 14 files, %s bytes hashed, %s bytes inflated: sound\n",
+			Number(Stored), Number(Inflated)),
+		"");
+	Expect({"pak", "extract", Pak.string(), "aus gepackt"}, 0,
+		QVPrintf("14 files, %s bytes into aus gepackt\n", Number(Bytes)), "");
+	ExpectSameFiles(Files, ReadFiles(Folder / "aus gepackt/Harbor/Content"));
+
+	EXPECT_EQ(Run({"pack", "Harbor"}).Code, 0);
+	ASSERT_EQ(Paks().size(), 1) << "the new pak takes the place of the old one";
+	EXPECT_NE(Paks().front(), Pak);
+	EXPECT_FALSE(fs::exists(Pak));
+}
+
+TEST_F(FMainJob, JsonIsOneDocumentWhateverTheExitCode)
+{
+	EnterSample();
+	const std::string Release = R"("folder": "<T>/Пример 1/Releases/1.0")";
+	Expect({"base-release", "status", "--format", "json"}, 1,
+		"{\n\t\"schema_version\": 1,\n\t" + Release +
+			",\n\t\"exists\": false,\n\t\"usable\": false,\n\t\"up_to_date\": false,\n\t\"registry\": \"\",\n\t"
+			"\"registry_bytes\": 0,\n\t\"packages\": 0,\n\t\"problem\": \"No base release found at <T>/Пример "
+			"1/Releases/1.0.\"\n}\n",
+		"error: No base release found at <T>/Пример 1/Releases/1.0.\n  fix: qvmap base-release build\n");
+	Expect({"--engine", "nowhere", "base-release", "build", "--format", "json"}, 1,
+		"{\n\t\"schema_version\": 1,\n\t\"error\": \"--engine names <T>/Пример 1/nowhere, which is not a folder: give "
+		"the "
+		"engine's folder, the one that holds Binaries/Win64\"\n}\n",
+		"error: --engine names <T>/Пример 1/nowhere, which is not a folder: give the engine's folder, the one that "
+		"holds "
+		"Binaries/Win64\n");
+	Expect({"-q", "base-release", "build", "--format", "json"}, 0,
+		"{\n\t\"schema_version\": 1,\n\t" + Release + "\n}\n", "");
+	EXPECT_EQ(nlohmann::ordered_json::parse(Run({"maps", "--format", "json"}).Out).dump(),
+		R"({"schema_version":1,"project":"<T>/Пример 1/SampleMaps.uproject","mods":[)"
+		R"({"name":"Cave","folder":"<T>/Пример 1/Plugins/Cave","maps":[)"
+		R"({"name":"Hall","file":"<T>/Пример 1/Plugins/Cave/Content/Maps/Hall.umap",)"
+		R"("game_path":"/Game/Cave/Maps/Hall","package":"/Cave/Maps/Hall"}]},)"
+		R"({"name":"Harbor","folder":"<T>/Пример 1/Plugins/Harbor","maps":[)"
+		R"({"name":"Docks","file":"<T>/Пример 1/Plugins/Harbor/Content/Maps/Docks.umap",)"
+		R"("game_path":"/Game/Harbor/Maps/Docks","package":"/Harbor/Maps/Docks"},)"
+		R"({"name":"Pier","file":"<T>/Пример 1/Plugins/Harbor/Content/Maps/Pier.umap",)"
+		R"("game_path":"/Game/Harbor/Maps/Pier","package":"/Harbor/Maps/Pier"}]}]})");
+	const FProgramEnd Packed = Run({"-q", "pack", "Harbor", "--format", "json", "--start-map", "pier"});
+	EXPECT_EQ(Packed.Err, "");
+	nlohmann::ordered_json Result = nlohmann::ordered_json::parse(Packed.Out);
+	EXPECT_EQ(Result["pak_bytes"], fs::file_size(Paks().at(0)));
+	Result.erase("pak_bytes");
+	EXPECT_EQ(Result.dump(),
+		R"({"schema_version":1,"mod":"Harbor","success":true,"failed_stage":"","error":"",)"
+		R"("pak":"<T>/Пример 1/Saved/QVPak/Output/Harbor_<Id>.pak","files":14,"map_files":2,"payload_files":9,)"
+		R"("shader_archives":1,"files_skipped":0,"unpackable_files":[],)"
+		R"("log":"<T>/Пример 1/Saved/QVPak/Logs/Harbor_<Time>.log"})");
+	const auto Manifest = nlohmann::json::parse(Get("Saved/QVPak/Temp/Harbor_manifest.json"));
+	EXPECT_EQ(Manifest["StartMap"], "/Game/Harbor/Maps/Pier");
+
+	const std::string Pak = Paks().at(0).string();
+	EXPECT_EQ(nlohmann::json::parse(Run({"pak", "list", Pak, "--format", "json"}).Out)["files"].size(), 14);
+	EXPECT_EQ(nlohmann::json::parse(Run({"pak", "verify", Pak, "--format", "json"}).Out)["sound"], true);
+	const FProgramEnd Failed = Run({"pack", "Nowhere", "--format", "json"});
+	EXPECT_EQ(Failed.Code, 1);
+	EXPECT_EQ(nlohmann::ordered_json::parse(Failed.Out).dump(),
+		R"({"schema_version":1,"mod":"Nowhere","success":false,"failed_stage":"validating",)"
+		R"("error":"Plugin directory not found: <T>/Пример 1/Plugins/Nowhere","pak":"","pak_bytes":0,"files":0,)"
+		R"("map_files":0,"payload_files":0,"shader_archives":0,"files_skipped":0,"unpackable_files":[],"log":""})");
+}
+
+TEST_F(FMainJob, HowMuchIsToldIsForTheUserToSay)
+{
+	EnterSample();
+	Expect({"-q", "base-release", "build"}, 0, "base release  <T>/Пример 1/Releases/1.0\n", "");
+	const FProgramEnd Quiet = Run({"-q", "pack", "harbor"});
+	EXPECT_EQ(Quiet.Err, "");
+	EXPECT_TRUE(Quiet.Out.starts_with("pak  <T>/Пример 1/Saved/QVPak/Output/Harbor_<Id>.pak\n")) << Quiet.Out;
+
+	const FProgramEnd Verbose = Run({"-v", "maps"});
+	EXPECT_TRUE(Verbose.Out.starts_with("Cave  (1 map)\n"));
+	EXPECT_TRUE(Verbose.Err.starts_with(
+		"engine: EngineAssociation \"5.4\" in <T>/home/.config/Epic/UnrealEngine/Install.ini: not listed there\n"
+		"engine: bundled engine: taken: <Bin>/Engine\n"
+		"LogQVMap: Log: QVMap: ScanMods found 3 plugin directories in <T>/Пример 1/Plugins\n"))
+		<< Verbose.Err;
+	EXPECT_NE(Get("Saved/Logs/QVMap.log").find("LogQVMap: QVMap: Export complete: "), std::string::npos);
+}
+
+TEST_F(FMainJob, ASampleOverwritesNothing)
+{
+	EnterSample();
+	Put("Notes.txt", "mine");
+	const FTree Before = ReadFiles(Temp.Path());
+	const struct
+	{
+		FWords Words;
+		const char* Error;
+	} Cases[] = {
+		{{"sample", "."}, "error: <T>/Пример 1 is not empty: name a new folder, so that nothing is overwritten\n"},
+		{{"sample", "Notes.txt"}, "error: <T>/Пример 1/Notes.txt is a file: name a new folder\n"},
+		{{"sample", "Notes.txt/below"},
+			"error: <T>/Пример 1/Notes.txt/below/SampleMaps.uproject could not be written: Not a directory\n"},
+	};
+	for (const auto& Case : Cases)
+	{
+		Expect(Case.Words, 1, "", Case.Error);
+	}
+	ExpectSameFiles(Before, ReadFiles(Temp.Path()));
+}

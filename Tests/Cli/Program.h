@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace QVTest
+{
+/** What a program is started with. */
+struct FProgramStart
+{
+	std::filesystem::path File;
+	std::vector<std::string> Words;
+	std::filesystem::path Folder;
+	/** Added to our own environment, in which nothing tells of an engine. */
+	std::map<std::string, std::string> Environment;
+	/** No file may grow beyond it, as on a disk that is full. */
+	std::optional<std::uint64_t> MostFileBytes;
+	/** Not 0: input, output and errors are a terminal of so many columns. */
+	unsigned short TerminalColumns = 0;
+};
+
+struct FProgramEnd
+{
+	/** The signal's number with a minus, if one ended it. */
+	int Code = 0;
+	/** On a terminal all that was written to it, with its own line ends. */
+	std::string Out;
+	std::string Err;
+	/** Every process that it started has ended too. */
+	bool bNothingLeft = false;
+};
+
+/** A running program, as a user starts one. Killed with its object, if it still runs. */
+class FProgram
+{
+public:
+	explicit FProgram(const FProgramStart& Start);
+	~FProgram();
+	FProgram(const FProgram&) = delete;
+	FProgram& operator=(const FProgram&) = delete;
+
+	void Signal(int Number) const;
+	/** Until it ends; after two minutes it is killed. */
+	FProgramEnd Wait();
+
+private:
+	pid_t Id = -1;
+	int Out = -1;
+	int Err = -1;
+	/** The other end is held by the program and by all that it starts. */
+	int Lifeline = -1;
+
+	void RunChild(const FProgramStart& Start, int OutEnd, int ErrEnd) const;
+};
+} // namespace QVTest
