@@ -164,7 +164,7 @@ TEST(PakPaths, NormalizesDestinations)
 		{"../../../Cave/Content/A.umap", "../../../Cave/Content/A.umap"},
 		{"..\\..\\..\\Cave\\A.umap", "../../../Cave/A.umap"},
 		{"../../..//Cave/./B/../A.umap", "../../../Cave/A.umap"},
-		{"../mount/point/root/test.txt", "../mount/point/root/test.txt"},
+		{"../mount/point/top/test.txt", "../mount/point/top/test.txt"},
 		{"/Cave/A.umap", "/Cave/A.umap"},
 		{"A.umap", "A.umap"},
 		{"Лес/森.umap", "Лес/森.umap"},

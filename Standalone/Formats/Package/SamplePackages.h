@@ -34,7 +34,7 @@ struct FAssetPackageSpec
 	std::string ClassPath;
 	std::vector<FHardReference> HardReferences;
 	std::vector<std::string> SoftPackages;
-	/** Native data behind the empty list of properties: as many bytes as wanted, told by the seed. */
+	/** Native data behind the empty list of properties: as many bytes as wanted, other ones for another seed. */
 	std::size_t PayloadBytes = 0;
 	std::uint64_t PayloadSeed = 0;
 };
