@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <fcntl.h>
 #include <fstream>
 #include <functional>
 #include <random>
@@ -331,6 +332,33 @@ std::size_t ListLength(const fs::path& Pak, EPakIndexHashes Hashes)
 	return Length;
 }
 
+/** What lies in the page cache of a file, given back: the next read comes from the disk. */
+void ForgetCached(const fs::path& Path)
+{
+	const int File = ::open(Path.c_str(), O_RDONLY);
+	if (File < 0 || ::fsync(File) != 0 || ::posix_fadvise(File, 0, 0, POSIX_FADV_DONTNEED) != 0)
+	{
+		Fail("the page cache could not be emptied of " + Path.string());
+	}
+	::close(File);
+}
+
+/** Only Work is timed, not what makes the file cold before each run. */
+std::vector<FTime> BestOfCold(const fs::path& Path, int Rounds, const std::vector<std::function<void()>>& Works)
+{
+	std::vector<FTime> Best(Works.size());
+	for (int Round = 0; Round < Rounds; ++Round)
+	{
+		for (std::size_t Index = 0; Index < Works.size(); ++Index)
+		{
+			ForgetCached(Path);
+			const FTime Time = TimeOf(Works[Index]);
+			Best[Index] = {std::min(Best[Index].Wall, Time.Wall), std::min(Best[Index].Cpu, Time.Cpu)};
+		}
+	}
+	return Best;
+}
+
 void ListAgainstReading(const fs::path& Pak)
 {
 	const auto Offset = static_cast<std::uint64_t>(Need(FPakReader::Open(Pak)).Footer().IndexOffset);
@@ -342,18 +370,22 @@ void ListAgainstReading(const fs::path& Pak)
 		Need(File.ReadAt(Offset, Bytes));
 		return Bytes;
 	};
-	const std::vector<FTime> Best = BestOf(50,
-		{
-			[&] { Sum += ReadIndex().size(); },
-			[&] { Sum += std::to_integer<std::size_t>(FSha1::Of(ReadIndex())[0]); },
-			[&] { Sum += ListLength(Pak, EPakIndexHashes::Skip); },
-			[&] { Sum += ListLength(Pak, EPakIndexHashes::Check); },
-		});
-	PrintTime("list, index believed", Best[2]);
-	PrintTime("list, index hashes checked", Best[3]);
+	const std::vector<std::function<void()>> Works = {
+		[&] { Sum += ReadIndex().size(); },
+		[&] { Sum += std::to_integer<std::size_t>(FSha1::Of(ReadIndex())[0]); },
+		[&] { Sum += ListLength(Pak, EPakIndexHashes::Skip); },
+		[&] { Sum += ListLength(Pak, EPakIndexHashes::Check); },
+	};
+	const std::vector<FTime> Cold = BestOfCold(Pak, 20, Works);
+	PrintTime("list, from the disk", Cold[3]);
 	std::printf("  the index has %zu bytes (%zu)\n", ReadIndex().size(), Sum % 10);
-	PrintRatio("read them; believed", Best[2], Best[0]);
-	PrintRatio("read and hash them; checked", Best[3], Best[1]);
+	PrintRatio("read its bytes from the disk", Cold[3], Cold[0]);
+	const std::vector<FTime> Warm = BestOf(50, Works);
+	PrintTime("list, from the page cache", Warm[3]);
+	PrintRatio("read its bytes", Warm[3], Warm[0]);
+	PrintRatio("read and hash them", Warm[3], Warm[1]);
+	PrintTime("list, index believed", Warm[2]);
+	PrintRatio("read its bytes", Warm[2], Warm[0]);
 }
 
 /** In a child, since a process's peak never falls again. */

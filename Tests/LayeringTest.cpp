@@ -27,9 +27,10 @@ constexpr std::string_view ToolkitHeaders =
 constexpr std::string_view StandaloneHeaders =
 	" clocale csignal exception filesystem fstream future iomanip iostream locale stdexcept ";
 
-/** Libraries that only one file, or one room, may know. */
+/** Libraries, and the processor's own instructions, that only one file, or one room, may know. */
 constexpr std::pair<std::string_view, std::string_view> Libraries[] = {
 	{"libdeflate.h", "Standalone/Formats/Base/Compression.cpp"}, {"zlib.h", "Standalone/Formats/Base/Compression.cpp"},
+	{"cpuid.h", "Standalone/Formats/Base/Sha1.cpp"}, {"immintrin.h", "Standalone/Formats/Base/Sha1.cpp"},
 	{"nlohmann/", "Standalone/Engine/JsonReader.cpp"}, {"CLI/", "Standalone/Cli/"}, {"Q", "Standalone/Studio/"}};
 
 enum class ESystemHeaders

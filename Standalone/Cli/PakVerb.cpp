@@ -85,14 +85,17 @@ FQVJson ListJson(const FPakReader& Reader)
 
 void ListText(FConsole& Console, const FPakReader& Reader)
 {
+	constexpr std::size_t SizeWidth = 14;
+	constexpr std::size_t UsualLineBytes = 96;
 	std::string Text;
+	Text.reserve(Reader.Entries().size() * UsualLineBytes);
 	std::uint64_t Bytes = 0;
 	std::uint64_t Stored = 0;
 	for (const FPakEntry& Entry : Reader.Entries())
 	{
 		const std::string Size = Number(Entry.UncompressedSize);
-		Text += std::string(Size.size() < 14 ? 14 - Size.size() : 0, ' ') + Size + "  ";
-		Text += QVPrintf("%s%s\n", Entry.Path(), Entry.bEncrypted ? "  (encrypted)" : "");
+		Text.append(Size.size() < SizeWidth ? SizeWidth - Size.size() : 0, ' ').append(Size).append("  ");
+		Text.append(Entry.Folder).append(Entry.Name).append(Entry.bEncrypted ? "  (encrypted)\n" : "\n");
 		Bytes += Entry.UncompressedSize;
 		Stored += Entry.Size;
 	}

@@ -198,7 +198,11 @@ EExitCode ResetAll(FSession& Session)
 		Session.Console.Say("all settings are at their defaults already");
 		return EExitCode::Done;
 	}
-	const std::string Aside = Path + ".old";
+	std::string Aside = Path + ".old";
+	for (int Number = 2; Files.FileExists(Aside); ++Number)
+	{
+		Aside = QVPrintf("%s.old.%d", Path, Number);
+	}
 	if (!Files.Move(Aside, Path))
 	{
 		Session.Console.Fail(QVPrintf("%s could not be set aside", Path));

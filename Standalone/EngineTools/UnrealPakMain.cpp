@@ -5,7 +5,6 @@
 #include "Standalone/EngineTools/PakCreation.h"
 #include "Standalone/EngineTools/ToolLog.h"
 
-#include <algorithm>
 #include <chrono>
 
 namespace QVEngineTools
@@ -38,20 +37,6 @@ FPakCommand ParsePakCommand(const std::vector<std::string>& Arguments)
 		Command.bCompress = Command.bCompress || FQVString::EqualsIgnoreCase(Argument, "-compress");
 	}
 	return Command;
-}
-
-/** In the order in which the writer finishes them. */
-std::vector<std::string> DestinationsInOrder(const std::vector<FPakSource>& Sources)
-{
-	std::vector<std::string> Destinations;
-	for (const FPakSource& Source : Sources)
-	{
-		Destinations.push_back(Source.Destination);
-	}
-	std::stable_sort(Destinations.begin(), Destinations.end(), FQVString::LessIgnoreCase);
-	const auto Last = std::unique(Destinations.begin(), Destinations.end(), FQVString::EqualsIgnoreCase);
-	Destinations.erase(Last, Destinations.end());
-	return Destinations;
 }
 
 void PrintSummary(FToolLog& Log, const FPakWriteSummary& Summary)
@@ -87,13 +72,9 @@ int RunUnrealPak(const FPakCommand& Command)
 	}
 	Log.Display("LogPakFile", "Added %d entries to add to pak file.", Sources->size());
 	Log.Display("LogPakFile", "Creating pak %s.", Command.Pak);
-	const std::vector<std::string> Destinations = DestinationsInOrder(*Sources);
 	FPakWriteOptions Options;
-	Options.OnFile = [&](const FPakWriteProgress& Progress)
-	{
-		const std::size_t Index = Progress.FilesDone - 1;
-		Log.Display("LogPakFile", "Added file \"%s\"", Index < Destinations.size() ? Destinations[Index] : "");
-	};
+	Options.OnFile = [&Log](const FPakWriteProgress& Progress)
+	{ Log.Display("LogPakFile", "Added file \"%s\"", Progress.Destination); };
 	Options.ShouldStop = &QVStandalone::FInterrupt::IsRaised;
 	const TResult<FPakWriteSummary> Summary = WritePak(QVStandalone::ToOsPath(Command.Pak), *Sources, Options);
 	if (!Summary)

@@ -63,6 +63,10 @@ TEST_F(FSettings, AreListedStoredAndReset)
 		"all settings are at their defaults; the file was set aside as <T>/Пример 1/Saved/QVPak/config.json.old\n", "");
 	EXPECT_EQ(Get("Saved/QVPak/config.json.old"), Stored);
 	Expect({"settings", "reset", "--all"}, 0, "", "all settings are at their defaults already\n");
+	Put(Config, "{}");
+	EXPECT_EQ(Run({"settings", "reset", "--all"}).Code, 0);
+	EXPECT_EQ(Get("Saved/QVPak/config.json.old"), Stored) << "what was set aside first is kept";
+	EXPECT_EQ(Get("Saved/QVPak/config.json.old.2"), "{}");
 	Expect({"settings", "get", "verbose_logging"}, 0, "false\n", "");
 }
 

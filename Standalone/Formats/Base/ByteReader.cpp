@@ -12,16 +12,6 @@ std::string FStringView::ToUtf8() const
 	return bWide ? Utf16BytesToUtf8(Bytes) : Latin1ToUtf8(Bytes);
 }
 
-void FByteReader::Seek(std::int64_t Position)
-{
-	if (Position < 0 || static_cast<std::uint64_t>(Position) > Data.size())
-	{
-		bFailed = true;
-		return;
-	}
-	Offset = static_cast<std::size_t>(Position);
-}
-
 bool FByteReader::Bool32()
 {
 	const std::uint32_t Value = U32();
@@ -30,18 +20,6 @@ bool FByteReader::Bool32()
 		bFailed = true;
 	}
 	return Value == 1;
-}
-
-FBytes FByteReader::Take(std::uint64_t Count)
-{
-	if (bFailed || Count > Data.size() - Offset)
-	{
-		bFailed = true;
-		return {};
-	}
-	const FBytes Result = Data.subspan(Offset, static_cast<std::size_t>(Count));
-	Offset += static_cast<std::size_t>(Count);
-	return Result;
 }
 
 std::int32_t FByteReader::Count(std::size_t MinItemBytes)

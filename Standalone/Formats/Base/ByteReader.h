@@ -45,7 +45,12 @@ public:
 	void Fail() { bFailed = true; }
 
 	/** A position outside the data, negative ones included, fails. */
-	void Seek(std::int64_t Position);
+	void Seek(std::int64_t Position)
+	{
+		const bool bInside = Position >= 0 && static_cast<std::uint64_t>(Position) <= Data.size();
+		bFailed = bFailed || !bInside;
+		Offset = bInside ? static_cast<std::size_t>(Position) : Offset;
+	}
 	void Skip(std::uint64_t Count) { Take(Count); }
 
 	template<class T>
@@ -69,7 +74,17 @@ public:
 	bool Bool32();
 
 	/** Count bytes in place, or nothing and Failed. */
-	FBytes Take(std::uint64_t Count);
+	FBytes Take(std::uint64_t Count)
+	{
+		if (bFailed || Count > Data.size() - Offset)
+		{
+			bFailed = true;
+			return {};
+		}
+		const FBytes Result = Data.subspan(Offset, static_cast<std::size_t>(Count));
+		Offset += static_cast<std::size_t>(Count);
+		return Result;
+	}
 
 	/**
 	 * An i32 count of items that take at least MinItemBytes each. A negative count, or one that cannot fit into what

@@ -20,6 +20,8 @@ public:
 	~FMappedFile();
 
 	FBytes Bytes() const { return View; }
+	/** From here to the file's end is needed soon: the system reads it in one go, not page by page as it is met. */
+	void WillRead(std::uint64_t Offset) const;
 
 private:
 	FBytes View;

@@ -3,6 +3,10 @@
 
 #include <algorithm>
 #include <bit>
+#if defined(__x86_64__)
+#include <cpuid.h>
+#include <immintrin.h>
+#endif
 
 // The message schedule is worked out four words at a time beside the rounds; a function call between them would cost
 // more than the work, so everything is inlined into one loop body.
@@ -163,11 +167,78 @@ __attribute__((target("avx,bmi,bmi2"))) void AddBlocksAvx(FWord* State, const st
 }
 #endif
 
+#if defined(__x86_64__)
+/** The processor's own instructions: a group of four rounds each, whose kind is a part of the instruction. */
+struct FShaRounds
+{
+	__m128i Words[4];
+	__m128i Abcd;
+	/** As it was before the last group; its first word makes the next group's E. */
+	__m128i Before;
+
+	template<int Group>
+	__attribute__((target("sha,sse4.1"))) QV_INLINE void Run(__m128i E)
+	{
+		if constexpr (Group >= 4)
+		{
+			__m128i& Word = Words[Group % 4];
+			Word = _mm_xor_si128(_mm_sha1msg1_epu32(Word, Words[(Group + 1) % 4]), Words[(Group + 2) % 4]);
+			Word = _mm_sha1msg2_epu32(Word, Words[(Group + 3) % 4]);
+		}
+		const __m128i Word = Words[Group % 4];
+		const __m128i Sum = Group == 0 ? _mm_add_epi32(E, Word) : _mm_sha1nexte_epu32(Before, Word);
+		Before = Abcd;
+		Abcd = _mm_sha1rnds4_epu32(Abcd, Sum, Group / 5);
+		if constexpr (Group + 1 < 20)
+		{
+			Run<Group + 1>(E);
+		}
+	}
+};
+
+__attribute__((target("sha,sse4.1"))) void AddBlocksSha(FWord* State, const std::byte* Data, std::size_t Blocks)
+{
+	const __m128i BigEndian = _mm_set_epi64x(0x0001020304050607, 0x08090A0B0C0D0E0F);
+	FShaRounds Rounds;
+	Rounds.Abcd = _mm_shuffle_epi32(_mm_loadu_si128(reinterpret_cast<const __m128i*>(State)), 0x1B);
+	__m128i E = _mm_set_epi32(static_cast<int>(State[4]), 0, 0, 0);
+	for (; Blocks > 0; --Blocks, Data += 64)
+	{
+		for (int Part = 0; Part < 4; ++Part)
+		{
+			const __m128i Raw = _mm_loadu_si128(reinterpret_cast<const __m128i*>(Data + 16 * Part));
+			Rounds.Words[Part] = _mm_shuffle_epi8(Raw, BigEndian);
+		}
+		const __m128i Start = Rounds.Abcd;
+		Rounds.Run<0>(E);
+		E = _mm_sha1nexte_epu32(Rounds.Before, E);
+		Rounds.Abcd = _mm_add_epi32(Rounds.Abcd, Start);
+	}
+	_mm_storeu_si128(reinterpret_cast<__m128i*>(State), _mm_shuffle_epi32(Rounds.Abcd, 0x1B));
+	State[4] = static_cast<FWord>(_mm_extract_epi32(E, 3));
+}
+
+/** The compiler's own test does not know these instructions. */
+bool HasShaInstructions()
+{
+	unsigned A = 0;
+	unsigned B = 0;
+	unsigned C = 0;
+	unsigned D = 0;
+	constexpr unsigned ShaBit = 1u << 29;
+	return __get_cpuid_count(7, 0, &A, &B, &C, &D) != 0 && (B & ShaBit) != 0 && __builtin_cpu_supports("sse4.1") != 0;
+}
+#endif
+
 using FAddBlocks = void (*)(FWord*, const std::byte*, std::size_t);
 
 FAddBlocks PickAddBlocks()
 {
 #if defined(__x86_64__)
+	if (HasShaInstructions())
+	{
+		return AddBlocksSha;
+	}
 	if (__builtin_cpu_supports("avx") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2"))
 	{
 		return AddBlocksAvx;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 
 namespace QVFormats
 {
@@ -86,7 +87,19 @@ char32_t NextCodePoint(std::string_view Utf8, std::size_t& Index)
 
 bool IsAscii(std::string_view Text)
 {
-	return std::all_of(Text.begin(), Text.end(), [](char Letter) { return static_cast<unsigned char>(Letter) < 0x80; });
+	constexpr std::uint64_t HighBits = 0x8080808080808080;
+	std::uint64_t Seen = 0;
+	for (; Text.size() >= sizeof(Seen); Text.remove_prefix(sizeof(Seen)))
+	{
+		std::uint64_t Letters = 0;
+		std::memcpy(&Letters, Text.data(), sizeof(Letters));
+		Seen |= Letters;
+	}
+	for (const char Letter : Text)
+	{
+		Seen |= static_cast<unsigned char>(Letter);
+	}
+	return (Seen & HighBits) == 0;
 }
 
 std::string Latin1ToUtf8(std::span<const std::byte> Bytes)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Standalone/Formats/Package/PackageBuilder.h"
+#include "Standalone/Formats/Package/PackageSpec.h"
 
 namespace QVFormats
 {

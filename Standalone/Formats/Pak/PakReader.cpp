@@ -8,6 +8,12 @@
 
 namespace QVFormats
 {
+namespace
+{
+/** Of a pak of 20,000 files. A larger index is read as it is met. */
+constexpr std::uint64_t UsualIndexBytes = 1 << 20;
+} // namespace
+
 TResult<FPakReader> FPakReader::Open(const std::filesystem::path& Path, EPakIndexHashes Hashes)
 {
 	TResult<FMappedFile> Mapped = FMappedFile::Open(Path);
@@ -15,6 +21,8 @@ TResult<FPakReader> FPakReader::Open(const std::filesystem::path& Path, EPakInde
 	{
 		return Mapped.Error();
 	}
+	const std::uint64_t Size = Mapped->Bytes().size();
+	Mapped->WillRead(Size - std::min(Size, UsualIndexBytes));
 	TResult<FPakReader> Reader = FromMemory(Mapped->Bytes(), PathText(Path), Hashes);
 	if (Reader)
 	{

@@ -74,7 +74,9 @@ TResult<FPakWriteSummary> WritePak(
 	FPakRecordWriter::FOnFile OnFile;
 	if (Options.OnFile)
 	{
-		OnFile = [&](std::size_t FilesDone) { Options.OnFile({FilesDone, Plan->Files.size()}); };
+		OnFile = [&](std::size_t FilesDone) {
+			Options.OnFile({FilesDone, Plan->Files.size(), Plan->Files[FilesDone - 1].Destination});
+		};
 	}
 	FPakRecordWriter Records(*Plan, *Out, Options.Threads, std::move(OnFile), Options.ShouldStop);
 	if (FStatus Status = Records.Run(); !Status)

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <string_view>
 
 namespace QVFormats
 {
@@ -12,6 +13,8 @@ struct FPakWriteProgress
 {
 	std::size_t FilesDone = 0;
 	std::size_t Files = 0;
+	/** The file that was finished last, as its source named it. */
+	std::string_view Destination;
 };
 
 struct FPakWriteOptions

@@ -66,6 +66,16 @@ FMappedFile& FMappedFile::operator=(FMappedFile&& Other) noexcept
 	return *this;
 }
 
+void FMappedFile::WillRead(std::uint64_t Offset) const
+{
+	const auto Page = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+	if (Offset < View.size())
+	{
+		const std::uint64_t Begin = Offset / Page * Page;
+		::madvise(const_cast<std::byte*>(View.data()) + Begin, View.size() - Begin, MADV_WILLNEED);
+	}
+}
+
 FMappedFile::~FMappedFile()
 {
 	if (!View.empty())
