@@ -3,9 +3,15 @@
 
 #include "Core/QVPath.h"
 #include "Core/QVString.h"
+#include "Standalone/Engine/Files.h"
+#include "Standalone/Engine/OsPath.h"
+#include "Standalone/Formats/Base/MappedFile.h"
+#include "Standalone/Formats/Package/PackageHeader.h"
 
 namespace QVStandalone
 {
+using namespace QVFormats;
+
 FPackages::FPackages(std::string InProjectDir, std::string InEngineDir, const FPlugins& InPlugins)
 	: ProjectDir(std::move(InProjectDir))
 	, EngineDir(std::move(InEngineDir))
@@ -40,5 +46,61 @@ bool FPackages::TryConvertLongPackageNameToFilename(
 		}
 	}
 	return false;
+}
+std::string FPackages::FindPackageFile(std::string_view PackageName) const
+{
+	std::string File;
+	for (const std::string_view Extension : {AssetPackageExtension, MapPackageExtension})
+	{
+		if (TryConvertLongPackageNameToFilename(PackageName, File, Extension) && FFiles().FileExists(File))
+		{
+			return File;
+		}
+	}
+	return {};
+}
+
+/** The object itself stays in its file: of a redirector, where it leads to stands in the header too. */
+FQVLoadedAsset FPackages::LoadAsset(const FQVAssetData& Asset) const
+{
+	const auto File = FMappedFile::Open(ToOsPath(FindPackageFile(Asset.PackageName.ToView())));
+	const auto Header = File ? ReadPackageHeader(File->Bytes()) : TResult<FPackageHeader>(File.Error());
+	FQVLoadedAsset Loaded;
+	if (!Header)
+	{
+		return Loaded;
+	}
+	const auto IsNamedSo = [&](std::string_view Name)
+	{ return FQVString::EqualsIgnoreCase(Name, Asset.AssetName.ToView()); };
+	for (const FPackageExport& Export : Header->Exports)
+	{
+		if (IsNamedSo(Header->Names.Text(Export.ObjectName)))
+		{
+			Loaded.bLoaded = true;
+			Loaded.bRedirector |= Header->ClassPathOf(Export) == FQVAssetData::RedirectorClass;
+		}
+	}
+	for (const FPackageAsset& Listed : Header->Registry.Assets)
+	{
+		if (Loaded.bRedirector && IsNamedSo(Listed.ObjectPath.ToUtf8()))
+		{
+			Loaded.DestinationPackage = FindDestination(Header->Registry.TagsOf(Listed));
+		}
+	}
+	return Loaded;
+}
+
+FQVName FPackages::FindDestination(std::span<const FPackageTag> Tags) const
+{
+	for (const FPackageTag& Tag : Tags)
+	{
+		if (FQVString::EqualsIgnoreCase(Tag.Key.ToUtf8(), FQVAssetData::DestinationTag))
+		{
+			const FQVName Package(FQVAssetData::PackageOfObjectPath(Tag.Value.ToUtf8()));
+			const bool bThere = Package.ToView().starts_with("/Script/") || !FindPackageFile(Package.ToView()).empty();
+			return bThere ? Package : FQVName();
+		}
+	}
+	return {};
 }
 } // namespace QVStandalone

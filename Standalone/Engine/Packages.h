@@ -3,6 +3,7 @@
 
 #include "Engine/QVPackages.h"
 #include "Standalone/Engine/Plugins.h"
+#include "Standalone/Formats/Package/PackageRegistrySection.h"
 
 #include <vector>
 
@@ -25,10 +26,15 @@ public:
 
 	bool TryConvertLongPackageNameToFilename(
 		std::string_view PackageName, std::string& OutFilename, std::string_view Extension) const override;
+	FQVLoadedAsset LoadAsset(const FQVAssetData& Asset) const override;
+	/** The full path of the file that holds a package, whichever extension it has; empty if there is none. */
+	std::string FindPackageFile(std::string_view PackageName) const;
 	/** `/Game` first, then `/Engine`, then the plugins. */
 	std::vector<FMountPoint> GetMountPoints() const;
 
 private:
+	FQVName FindDestination(std::span<const QVFormats::FPackageTag> Tags) const;
+
 	const std::string ProjectDir;
 	const std::string EngineDir;
 	const FPlugins& Plugins;

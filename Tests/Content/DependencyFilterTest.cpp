@@ -43,7 +43,7 @@ TEST(DependencyFilter, MakesTheStemOfEveryLayout)
 
 TEST_F(FDependencyFilterTest, KeepsUsedPackagesWithTheirSidecarsAndAllThatIsNoPackage)
 {
-	const FQVPackageSet Used{FQVName("/Cave/Maps/Hall"), FQVName("/Engine/EngineMaterials/Grid")};
+	const FQVNameSet Used{FQVName("/Cave/Maps/Hall"), FQVName("/Engine/EngineMaterials/Grid")};
 	const struct
 	{
 		const char* Path;
@@ -63,10 +63,10 @@ TEST_F(FDependencyFilterTest, KeepsUsedPackagesWithTheirSidecarsAndAllThatIsNoPa
 TEST_F(FDependencyFilterTest, TellsItsDecisionsWhenLoggingIsVerbose)
 {
 	Project.Write("Saved/QVPak/config.json", "{\"verbose_logging\": true}");
-	FQVPackageSet Used;
+	FQVNameSet Used;
 	FAnalyzer::ShouldIncludeFile("FilterLog.umap", "Cave", Used);
 	EXPECT_EQ(Logged(), "QVMap: Filter MISS - Path=FilterLog.umap, Stem=/Cave/FilterLog, UsedSetSize=0\n");
-	Used.insert(FQVName("/Cave/FilterLog"));
+	Used.Add(FQVName("/Cave/FilterLog"));
 	FAnalyzer::ShouldIncludeFile("FilterLog.umap", "Cave", Used);
 	FAnalyzer::ShouldIncludeFile("AssetRegistry.bin", "Cave", Used);
 	FAnalyzer::ShouldIncludeFile("Other.uexp", "Cave", Used);
@@ -75,7 +75,7 @@ TEST_F(FDependencyFilterTest, TellsItsDecisionsWhenLoggingIsVerbose)
 						"QVMap:   UsedSet sample: /Cave/FilterLog\n");
 	for (int Index = 0; Index < 6; ++Index)
 	{
-		Used.insert(FQVName(QVPrintf("/Cave/More%d", Index)));
+		Used.Add(FQVName(QVPrintf("/Cave/More%d", Index)));
 	}
 	FAnalyzer::ShouldIncludeFile("Other.uexp", "Cave", Used);
 	EXPECT_EQ(FQVString::NonEmptyLines(Logged()).size(), 1u + 5u) << "five samples at most";

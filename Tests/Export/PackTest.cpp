@@ -12,7 +12,7 @@ constexpr std::string_view ResponseFile = "Saved/QVPak/Temp/Cave_filelist.txt";
 class FPackTest : public FToolkitTest
 {
 protected:
-	FQVPackageSet Used;
+	FQVNameSet Used;
 	FProgressRecord Progress;
 
 	FPackTest() { UseScriptedChildren(); }

@@ -19,7 +19,7 @@ const std::string OutputDir = "Saved/QVPak/Output/";
 class FPipelineTest : public FToolkitTest
 {
 protected:
-	FQVPackageSet Used;
+	FQVNameSet Used;
 	FProgressRecord Progress;
 	int CookCode = 0;
 	int PakCode = 0;
@@ -145,7 +145,7 @@ TEST_F(FPipelineTest, ReportsItsStagesAndFillsTheResult)
 	EXPECT_EQ(Record().FilesSkipped, 1);
 
 	// a pak without a shader archive and without another finding is no problem
-	Used.insert(FQVName("/Cave/Rock"));
+	Used.Add(FQVName("/Cave/Rock"));
 	EXPECT_TRUE(Export().bSuccess);
 	EXPECT_EQ(Complaints(), "");
 }

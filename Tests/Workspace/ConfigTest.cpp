@@ -2,6 +2,7 @@
 #include "Workspace/QVMapConfig.h"
 
 #include "Engine/QVDialogs.h"
+#include "Tests/Support/ScriptedDialogs.h"
 #include "Tests/Support/ToolkitTest.h"
 
 using FConfigTest = QVTest::FToolkitTest;
@@ -58,22 +59,6 @@ std::vector<FRow> AllRows()
 			FConfig::GetMapTemplatePath, FConfig::SetMapTemplatePath),
 	};
 }
-
-/** Answers as it was told and remembers how it was asked. */
-class FScriptedDialogs : public IQVDialogs
-{
-public:
-	bool bDesktop = true;
-	std::optional<std::string> Answer;
-	std::string Asked;
-
-	bool HasDesktop() const override { return bDesktop; }
-	std::optional<std::string> OpenFileDialog(std::string_view Title, std::string_view FileTypes) override
-	{
-		Asked = QVPrintf("%s, %s", Title, FileTypes);
-		return Answer;
-	}
-};
 } // namespace
 
 TEST_F(FConfigTest, EveryKeyHasItsDefaultAndItsSetter)
@@ -179,7 +164,7 @@ TEST_F(FConfigTest, AnUnwritableWorkFolderIsAnErrorInTheLogOnly)
 
 TEST_F(FConfigTest, PickGameExeStoresTheChoiceAsItWasGiven)
 {
-	FScriptedDialogs Dialogs;
+	QVTest::FScriptedDialogs Dialogs;
 	Engine.Interfaces.Dialogs = &Dialogs;
 	for (const std::optional<std::string>& Nothing : {std::optional<std::string>(), std::optional(std::string())})
 	{

@@ -13,6 +13,11 @@ IQVLogSink* FQVLog::SetSink(IQVLogSink* Sink)
 	return CurrentSink.exchange(Sink);
 }
 
+bool FQVLog::HasSink()
+{
+	return CurrentSink.load(std::memory_order_relaxed) != nullptr;
+}
+
 void FQVLog::WriteAs(std::string_view LineCategory, EQVLogVerbosity Verbosity, std::string_view Text)
 {
 	if (IQVLogSink* Sink = CurrentSink.load())

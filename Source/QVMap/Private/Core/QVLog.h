@@ -29,6 +29,7 @@ struct FQVLog
 
 	/** Gives back the sink that was installed before. The sink is not owned and must outlive all that log. */
 	static IQVLogSink* SetSink(IQVLogSink* Sink);
+	static bool HasSink();
 	static void Write(EQVLogVerbosity Verbosity, std::string_view Text) { WriteAs(Category, Verbosity, Text); }
 	/** For an engine's own lines, under a category of its own. */
 	static void WriteAs(std::string_view LineCategory, EQVLogVerbosity Verbosity, std::string_view Text);
@@ -40,6 +41,10 @@ struct FQVLog
 template<class... Args>
 void QVLog(EQVLogVerbosity Verbosity, TQVFormat<std::type_identity_t<Args>...> Format, const Args&... Arguments)
 {
+	if (!FQVLog::HasSink())
+	{
+		return;
+	}
 	const FQVPrintfArgument List[] = {QVPrintfDetail::MakeArgument(Arguments)..., FQVPrintfArgument{}};
 	FQVLog::Write(Verbosity, QVPrintfFormat(Format.Text, std::span(List, sizeof...(Args))));
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+class IQVAssetRegistry;
+class IQVAssetTools;
 class IQVClock;
 class IQVDialogs;
 class IQVEditor;
@@ -19,6 +21,8 @@ class IQVRegistryFile;
  */
 struct FQVEngine
 {
+	IQVAssetRegistry* AssetRegistry = nullptr;
+	IQVAssetTools* AssetTools = nullptr;
 	IQVClock* Clock = nullptr;
 	IQVDialogs* Dialogs = nullptr;
 	IQVEditor* Editor = nullptr;

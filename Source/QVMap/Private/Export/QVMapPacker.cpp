@@ -22,7 +22,7 @@ FQVPakResult Fail(FQVPakResult Result, std::string Message)
 } // namespace
 
 FQVPakResult FQVMapPacker::CreatePak(const std::string& PluginName, const std::string& CookedDir,
-	const std::string& ManifestPath, const std::string& PakPath, const FQVPackageSet& UsedPackages,
+	const std::string& ManifestPath, const std::string& PakPath, const FQVNameSet& UsedPackages,
 	const FQVCookProgress& Progress)
 {
 	FQVPakResult Result;

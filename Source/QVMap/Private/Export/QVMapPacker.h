@@ -38,10 +38,10 @@ struct FQVMapPacker
 {
 	/** UsedPackages may be empty: then nothing is filtered, whatever the settings say. */
 	static FQVPakResult CreatePak(const std::string& PluginName, const std::string& CookedDir,
-		const std::string& ManifestPath, const std::string& PakPath, const FQVPackageSet& UsedPackages,
+		const std::string& ManifestPath, const std::string& PakPath, const FQVNameSet& UsedPackages,
 		const FQVCookProgress& Progress);
 
 	/** Writes the list of what goes into the pak; its path, or empty if it could not be written. Fills the counters. */
 	static std::string GenerateResponseFile(const std::string& PluginName, const std::string& CookedDir,
-		const std::string& ManifestPath, const FQVPackageSet& UsedPackages, FQVPakResult& Result);
+		const std::string& ManifestPath, const FQVNameSet& UsedPackages, FQVPakResult& Result);
 };

@@ -79,7 +79,7 @@ void RemovePreviousPaks(const std::string& ModName)
 class FExportRun
 {
 public:
-	FExportRun(const std::string& InModName, std::int32_t InVersion, const FQVPackageSet& InUsedPackages,
+	FExportRun(const std::string& InModName, std::int32_t InVersion, const FQVNameSet& InUsedPackages,
 		const FQVExportProgress& InProgress, const std::string& InStartMap)
 		: ModName(InModName)
 		, Version(InVersion)
@@ -112,7 +112,7 @@ public:
 private:
 	const std::string& ModName;
 	const std::int32_t Version;
-	const FQVPackageSet& UsedPackages;
+	const FQVNameSet& UsedPackages;
 	const FQVExportProgress& Progress;
 	const std::string& StartMap;
 
@@ -301,7 +301,7 @@ private:
 } // namespace
 
 FQVExportResult FQVMapPipeline::ExportMod(const std::string& ModName, std::int32_t Version,
-	const FQVPackageSet& UsedPackages, const FQVExportProgress& Progress, const std::string& StartMap)
+	const FQVNameSet& UsedPackages, const FQVExportProgress& Progress, const std::string& StartMap)
 {
 	return FExportRun(ModName, Version, UsedPackages, Progress, StartMap).Run();
 }

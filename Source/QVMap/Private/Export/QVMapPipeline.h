@@ -18,7 +18,7 @@ struct FQVMapPipeline
 	 * the editor. Always leaves a record of the run behind. UsedPackages may be empty; StartMap too.
 	 */
 	static FQVExportResult ExportMod(const std::string& ModName, std::int32_t Version,
-		const FQVPackageSet& UsedPackages, const FQVExportProgress& Progress, const std::string& StartMap);
+		const FQVNameSet& UsedPackages, const FQVExportProgress& Progress, const std::string& StartMap);
 
 	/**
 	 * The long package name that reaches the map's file. On false OutPath holds the first candidate all the same;

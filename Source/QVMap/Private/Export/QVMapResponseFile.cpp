@@ -45,24 +45,24 @@ std::string MakeDestination(std::string_view PluginName, std::string_view Relati
 	return QVPrintf("../../../%s/Content/%s", PluginName, RelativePath.substr(bDoubled ? ContentFolder.size() : 0));
 }
 
-bool DecideFilter(const std::string& PluginName, const FQVPackageSet& UsedPackages)
+bool DecideFilter(const std::string& PluginName, const FQVNameSet& UsedPackages)
 {
 	if (!FQVMapConfig::GetFilterUnusedAssets())
 	{
 		return false;
 	}
-	if (UsedPackages.empty())
+	if (UsedPackages.IsEmpty())
 	{
 		QVLog(EQVLogVerbosity::Warning, "QVMap: Filter requested but no used packages computed (will include all)");
 		return false;
 	}
 	QVLog(
-		EQVLogVerbosity::Log, "QVMap: Filtering enabled, %d used packages, Plugin=%s", UsedPackages.size(), PluginName);
+		EQVLogVerbosity::Log, "QVMap: Filtering enabled, %d used packages, Plugin=%s", UsedPackages.Num(), PluginName);
 	return true;
 }
 
 void AddCookedFiles(FResponseFile& List, const std::string& PluginName, const std::string& CookedDir, bool bFilter,
-	const FQVPackageSet& UsedPackages)
+	const FQVNameSet& UsedPackages)
 {
 	FQVEngine::Get().Files->IterateDirectoryRecursively(CookedDir,
 		[&](std::string_view Path, bool bIsDirectory)
@@ -153,7 +153,7 @@ void LogEntries(const std::vector<std::string>& Lines, const std::string& Path)
 } // namespace
 
 std::string FQVMapPacker::GenerateResponseFile(const std::string& PluginName, const std::string& CookedDir,
-	const std::string& ManifestPath, const FQVPackageSet& UsedPackages, FQVPakResult& Result)
+	const std::string& ManifestPath, const FQVNameSet& UsedPackages, FQVPakResult& Result)
 {
 	Result.bFilterUnusedActive = DecideFilter(PluginName, UsedPackages);
 	FQVMapCookedContents::AnalyzeCookedContents(
@@ -166,7 +166,7 @@ std::string FQVMapPacker::GenerateResponseFile(const std::string& PluginName, co
 	const std::string ManifestDestination = QVPrintf("../../../%s/Content/manifest.json", PluginName);
 	List.AddLine(ManifestSource, ManifestDestination);
 	QVLog(EQVLogVerbosity::Log, "QVMap DEBUG: Manifest entry: Source=%s Dest=%s", ManifestSource, ManifestDestination);
-	LogSummary(List, Result.bFilterUnusedActive, UsedPackages.size());
+	LogSummary(List, Result.bFilterUnusedActive, UsedPackages.Num());
 	Result.FilesPacked = static_cast<std::int32_t>(List.Lines.size());
 	Result.FilesSkipped = List.Skipped;
 
