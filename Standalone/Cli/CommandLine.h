@@ -41,9 +41,12 @@ struct FCommandLine
 
 /** Each adds its verb, with its options, to the line. */
 void AddBaseReleaseVerb(FCommandLine& Line);
+void AddInspectVerb(FCommandLine& Line);
 void AddMapsVerb(FCommandLine& Line);
 void AddPackVerb(FCommandLine& Line);
 void AddPakVerb(FCommandLine& Line);
+void AddRedirectorsVerb(FCommandLine& Line);
+void AddReferencesVerb(FCommandLine& Line);
 void AddSampleVerb(FCommandLine& Line);
 void AddSettingsVerb(FCommandLine& Line);
 } // namespace QVCli

@@ -59,7 +59,10 @@ void AddVerbs(FCommandLine& Line)
 	AddMapsVerb(Line);
 	AddBaseReleaseVerb(Line);
 	AddPackVerb(Line);
+	AddReferencesVerb(Line);
+	AddRedirectorsVerb(Line);
 	AddPakVerb(Line);
+	AddInspectVerb(Line);
 	AddSettingsVerb(Line);
 	AddSampleVerb(Line);
 }

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
+#include "Content/QVMapDependencyAnalyzer.h"
 #include "Core/QVString.h"
 #include "Core/QVText.h"
 #include "Export/QVMapLastExport.h"
 #include "Export/QVMapPipeline.h"
 #include "Standalone/Cli/NearestWord.h"
+#include "Standalone/Cli/RegistryScan.h"
 #include "Standalone/Cli/Session.h"
 #include "Standalone/Cli/StandInNote.h"
+#include "Workspace/QVMapConfig.h"
 #include "Workspace/QVMapPaths.h"
 
 namespace QVCli
@@ -89,6 +92,7 @@ FQVJson ToJson(const FPackOptions& Options, const FQVExportResult& Result, const
 		.Set("map_files", Content.MapFiles)
 		.Set("payload_files", Content.PayloadFiles)
 		.Set("shader_archives", Content.ShaderArchives)
+		.Set("filter_unused_active", Record.bFilterUnusedActive)
 		.Set("files_skipped", Record.FilesSkipped)
 		.Set("unpackable_files", FQVJson::Array(Content.UnpackableFiles))
 		.Set("log", Record.LogPath);
@@ -98,6 +102,10 @@ void PrintText(FConsole& Console, const FQVExportResult& Result, const FQVLastEx
 {
 	Console.Result(QVPrintf("pak  %s", Result.PakPath));
 	Console.Result(QVPrintf("     %s", Result.Content.Describe()));
+	if (Record.bFilterUnusedActive)
+	{
+		Console.Result(QVPrintf("     %d file(s) that no map uses were left out", Record.FilesSkipped));
+	}
 	Console.Result(QVPrintf("log  %s", Record.LogPath.empty() ? "(could not be written)" : Record.LogPath));
 }
 
@@ -133,11 +141,16 @@ EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 		return EExitCode::Failed;
 	}
 	FConsole& Console = Session->Console;
+	if (FQVMapConfig::GetFilterUnusedAssets() && !ScanRegistry(*Session))
+	{
+		return EExitCode::Failed;
+	}
+	const FQVNameSet UsedPackages = FQVMapDependencyAnalyzer::GatherUsedPackages(Options.Mod);
 	FQVExportResult Result;
 	const FQVExportProgress Progress([&Console](std::string_view Stage, float Fraction, std::string_view Message)
 		{ Console.Progress(Stage, Fraction, Message); });
-	Session->RunBlocking(
-		[&] { Result = FQVMapPipeline::ExportMod(Options.Mod, ExportVersion, {}, Progress, Options.StartMap); });
+	Session->RunBlocking([&]
+		{ Result = FQVMapPipeline::ExportMod(Options.Mod, ExportVersion, UsedPackages, Progress, Options.StartMap); });
 
 	const FQVLastExportRecord Record = ReadRecord(Result);
 	if (Line.Options.bJson)

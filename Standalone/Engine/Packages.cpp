@@ -12,6 +12,37 @@ namespace QVStandalone
 {
 using namespace QVFormats;
 
+namespace
+{
+/** The file of a package, given below a folder that ends in a slash; empty if there is none. */
+std::string FindIgnoringCase(const std::string& Folder, std::string_view Below)
+{
+	const std::size_t Slash = Below.find('/');
+	const bool bLast = Slash == std::string_view::npos;
+	const std::string Wanted(Below.substr(0, Slash));
+	std::string Found;
+	FFiles().IterateDirectory(Folder,
+		[&](std::string_view Path, bool bIsDirectory)
+		{
+			const std::string_view Name = FQVPath::GetCleanFilename(Path);
+			if (!bLast && bIsDirectory && FQVString::EqualsIgnoreCase(Name, Wanted))
+			{
+				Found = FindIgnoringCase(std::string(Path) + "/", Below.substr(Slash + 1));
+			}
+			for (const std::string_view Extension :
+				{IQVPackages::AssetPackageExtension, IQVPackages::MapPackageExtension})
+			{
+				if (bLast && !bIsDirectory && FQVString::EqualsIgnoreCase(Name, Wanted + std::string(Extension)))
+				{
+					Found = Path;
+				}
+			}
+			return Found.empty();
+		});
+	return Found;
+}
+} // namespace
+
 FPackages::FPackages(std::string InProjectDir, std::string InEngineDir, const FPlugins& InPlugins)
 	: ProjectDir(std::move(InProjectDir))
 	, EngineDir(std::move(InEngineDir))
@@ -47,6 +78,20 @@ bool FPackages::TryConvertLongPackageNameToFilename(
 	}
 	return false;
 }
+bool FPackages::TryConvertFilenameToLongPackageName(std::string_view File, std::string& OutPackageName) const
+{
+	for (const FMountPoint& Point : GetMountPoints())
+	{
+		if (File.starts_with(Point.Folder))
+		{
+			OutPackageName = Point.Root;
+			OutPackageName += FQVPath::WithoutExtension(File.substr(Point.Folder.size()));
+			return true;
+		}
+	}
+	return false;
+}
+
 std::string FPackages::FindPackageFile(std::string_view PackageName) const
 {
 	std::string File;
@@ -55,6 +100,14 @@ std::string FPackages::FindPackageFile(std::string_view PackageName) const
 		if (TryConvertLongPackageNameToFilename(PackageName, File, Extension) && FFiles().FileExists(File))
 		{
 			return File;
+		}
+	}
+	// package names heed no case, the file system may
+	for (const FMountPoint& Point : GetMountPoints())
+	{
+		if (FQVString::StartsWithIgnoreCase(PackageName, Point.Root))
+		{
+			return FindIgnoringCase(Point.Folder, PackageName.substr(Point.Root.size()));
 		}
 	}
 	return {};

@@ -27,6 +27,8 @@ public:
 	bool TryConvertLongPackageNameToFilename(
 		std::string_view PackageName, std::string& OutFilename, std::string_view Extension) const override;
 	FQVLoadedAsset LoadAsset(const FQVAssetData& Asset) const override;
+	/** The long package name that a file's place gives it; false if it lies below no mount point. */
+	bool TryConvertFilenameToLongPackageName(std::string_view File, std::string& OutPackageName) const;
 	/** The full path of the file that holds a package, whichever extension it has; empty if there is none. */
 	std::string FindPackageFile(std::string_view PackageName) const;
 	/** `/Game` first, then `/Engine`, then the plugins. */

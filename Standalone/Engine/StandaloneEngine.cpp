@@ -9,9 +9,13 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	: Project(ProjectFile, EngineDir)
 	, Plugins(ProjectFile, EngineDir)
 	, Packages(Project.ProjectDir(), EngineDir, Plugins)
+	, AssetRegistry(Project.ProjectDir(), Packages, GameThread)
+	, AssetTools(AssetRegistry, Packages, Project.ProjectDir())
 {
 	// which letters are letters must not depend on the user's settings; numbers keep their point
 	std::setlocale(LC_CTYPE, "C.UTF-8");
+	Interfaces.AssetRegistry = &AssetRegistry;
+	Interfaces.AssetTools = &AssetTools;
 	Interfaces.Clock = &Clock;
 	Interfaces.Dialogs = &Dialogs;
 	Interfaces.Editor = &Editor;

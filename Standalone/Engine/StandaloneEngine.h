@@ -2,6 +2,8 @@
 #pragma once
 
 #include "Engine/QVEngine.h"
+#include "Standalone/Engine/AssetRegistry.h"
+#include "Standalone/Engine/AssetTools.h"
 #include "Standalone/Engine/Clock.h"
 #include "Standalone/Engine/Editor.h"
 #include "Standalone/Engine/Files.h"
@@ -28,6 +30,9 @@ public:
 	FStandaloneEngine& operator=(const FStandaloneEngine&) = delete;
 	~FStandaloneEngine();
 
+	/** No scan has been started: whoever asks it starts one. */
+	FAssetRegistry& GetAssetRegistry() { return AssetRegistry; }
+	FAssetTools& GetAssetTools() { return AssetTools; }
 	FGameThread& GetGameThread() { return GameThread; }
 	const FPackages& GetPackages() const { return Packages; }
 	const FPlugins& GetPlugins() const { return Plugins; }
@@ -46,6 +51,8 @@ private:
 	FJsonReader JsonReader;
 	FProcesses Processes;
 	FRegistryFile RegistryFile;
+	FAssetRegistry AssetRegistry; // keeps the game thread for later
+	FAssetTools AssetTools;
 	FGameThread GameThread; // last: its threads use all the others
 };
 } // namespace QVStandalone

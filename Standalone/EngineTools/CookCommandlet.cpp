@@ -3,19 +3,24 @@
 
 #include "Core/QVPath.h"
 #include "Core/QVString.h"
+#include "Standalone/Engine/AssetRegistry.h"
 #include "Standalone/Engine/Files.h"
+#include "Standalone/Engine/GameThread.h"
 #include "Standalone/Engine/OsFile.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/Packages.h"
 #include "Standalone/Engine/Project.h"
-#include "Standalone/Engine/RegistryFile.h"
+#include "Standalone/EngineTools/CookReach.h"
 #include "Standalone/EngineTools/PackageLayout.h"
 
+#include <algorithm>
+#include <set>
 #include <span>
 
 namespace QVEngineTools
 {
 using namespace QVStandalone;
+using QVFormats::TResult;
 
 namespace
 {
@@ -65,6 +70,7 @@ public:
 		, Project(Command.ProjectFile, EngineDir)
 		, Plugins(Command.ProjectFile, EngineDir)
 		, Packages(Project.ProjectDir(), EngineDir, Plugins)
+		, Registry(Project.ProjectDir(), Packages, GameThread)
 		, Layout(Log, Command.bIterate ? ECookMode::Iterate : ECookMode::Always)
 	{
 	}
@@ -87,7 +93,10 @@ private:
 	FProject Project;
 	FPlugins Plugins;
 	FPackages Packages;
+	FGameThread GameThread;
+	FAssetRegistry Registry;
 	FPackageLayout Layout;
+	FQVNameSet ReleasePackages;
 
 	std::string ProjectName() const { return std::string(FQVPath::GetBaseFilename(Command.ProjectFile)); }
 
@@ -162,27 +171,84 @@ private:
 			Log.Error("LogCook", "plugin %s was not found below the project", Command.DlcName);
 			return;
 		}
-		const std::string PluginRoot =
-			FQVPath::Combine(Plugin->BaseDir, "Saved/Cooked/Windows", ProjectName(), "Plugins", Plugin->Name);
+		const std::string Root = FQVPath::Combine(Plugin->BaseDir, "Saved/Cooked/Windows", ProjectName());
+		const std::string PluginRoot = FQVPath::Combine(Root, "Plugins", Plugin->Name);
 		const std::string CookedDir = FQVPath::Combine(PluginRoot, "Content");
-		Layout.AddFolder({"/" + Plugin->Name + "/", FQVPath::Combine(Plugin->BaseDir, "Content"), CookedDir});
+		if (!AddReached(Root))
+		{
+			return;
+		}
 		Layout.Run();
 		WriteShaderArchive(CookedDir, Plugin->Name);
 		WriteRegistries({PluginRoot});
 	}
 
-	bool CheckBaseRelease()
+	/** What the maps reach and the release does not hold, each below the folder that its root is cooked to. */
+	bool AddReached(const std::string& Root)
 	{
-		const std::string Registry = FQVPath::Combine(
-			ReleaseDir(Command.BasedOnRelease), "Metadata", Project.DevelopmentAssetRegistryFilename());
-		std::int32_t PackageCount = 0;
-		if (!FRegistryFile().LoadFromDisk(Registry, PackageCount))
+		Registry.StartScan();
+		if (!Registry.FinishScan())
 		{
-			Log.Error("LogCook", "release %s cannot be based on: %s is missing or unreadable", Command.BasedOnRelease,
-				Registry);
+			Log.Error("LogCook", "interrupted while the project was scanned");
 			return false;
 		}
-		Log.Display("LogCook", "Based on release %s with %d packages", Command.BasedOnRelease, PackageCount);
+		std::vector<FQVName> Maps;
+		std::transform(Command.Maps.begin(), Command.Maps.end(), std::back_inserter(Maps),
+			[](const std::string& Map) { return FQVName(Map); });
+		std::set<std::string> Files;
+		for (const FQVName Package : FindReached(Registry, Maps, ReleasePackages))
+		{
+			const std::string File = Packages.FindPackageFile(Package.ToView());
+			if (File.empty())
+			{
+				Log.Warning("LogCook", "%s is referred to, but there is no such package", Package.ToView());
+				continue;
+			}
+			std::string Name; // as its file spells it
+			Packages.TryConvertFilenameToLongPackageName(File, Name);
+			Files.insert(File);
+			Layout.AddPackage(File, Name, CookedStem(Root, Name));
+		}
+		for (const FUnreadablePackage& Unreadable : Registry.GetUnreadable())
+		{
+			if (!Files.contains(Unreadable.File)) // those that are reached are errors when they are cooked
+			{
+				Log.Warning("LogCook", "%s %s", Unreadable.File, Unreadable.Reason);
+			}
+		}
+		return true;
+	}
+
+	std::string CookedStem(const std::string& Root, const std::string& Package) const
+	{
+		const std::size_t End = Package.find('/', 1);
+		const std::string Mount = Package.substr(1, End - 1);
+		const std::string Below = Package.substr(End + 1);
+		if (FQVString::EqualsIgnoreCase(Mount, "Game"))
+		{
+			return FQVPath::Combine(Root, "Content", Below);
+		}
+		if (FQVString::EqualsIgnoreCase(Mount, "Engine"))
+		{
+			return FQVPath::Combine(FQVPath::GetPath(Root), "Engine/Content", Below);
+		}
+		const std::optional<FQVPluginInfo> Plugin = Plugins.FindPlugin(Mount);
+		return FQVPath::Combine(Root, "Plugins", Plugin ? Plugin->Name : Mount, "Content", Below);
+	}
+
+	bool CheckBaseRelease()
+	{
+		const std::string RegistryPath = FQVPath::Combine(
+			ReleaseDir(Command.BasedOnRelease), "Metadata", Project.DevelopmentAssetRegistryFilename());
+		TResult<FQVNameSet> Found = ReadReleasePackages(ToOsPath(RegistryPath));
+		if (!Found)
+		{
+			Log.Error("LogCook", "release %s cannot be based on: %s is missing or unreadable", Command.BasedOnRelease,
+				RegistryPath);
+			return false;
+		}
+		ReleasePackages = std::move(*Found);
+		Log.Display("LogCook", "Based on release %s with %d packages", Command.BasedOnRelease, ReleasePackages.Num());
 		return true;
 	}
 

@@ -44,11 +44,15 @@ void FPackageLayout::AddFolder(const FCookFolder& Folder)
 				std::string Below(Path);
 				FQVPath::MakePathRelativeTo(Below, Folder.ContentDir + "/");
 				const std::string Stem(FQVPath::WithoutExtension(Below));
-				Sources.push_back({std::string(Path), Folder.Root + Stem, FQVPath::Combine(Folder.CookedDir, Stem),
-					Below.substr(Stem.size())});
+				AddPackage(std::string(Path), Folder.Root + Stem, FQVPath::Combine(Folder.CookedDir, Stem));
 			}
 			return true;
 		});
+}
+
+void FPackageLayout::AddPackage(const std::string& File, const std::string& PackageName, const std::string& CookedStem)
+{
+	Sources.push_back({File, PackageName, CookedStem, File.substr(FQVPath::WithoutExtension(File).size())});
 }
 
 void FPackageLayout::Run()

@@ -40,6 +40,8 @@ public:
 	}
 
 	void AddFolder(const FCookFolder& Folder);
+	/** One package, to be cooked to a path without its extension. */
+	void AddPackage(const std::string& File, const std::string& PackageName, const std::string& CookedStem);
 	/** Cooks all that was added. A package that cannot be read or written is an error in the log; the others go on. */
 	void Run();
 

@@ -129,7 +129,7 @@ FTree Snapshot(const fs::path& Project)
 			const std::string& Name = File.first;
 			const auto Holds = [&Name](std::string_view Part) { return Name.find(Part) != std::string::npos; };
 			return Holds("Saved/Logs/") || Holds("Saved/QVPak/Logs/") || Holds("Saved/QVPak/Temp/") ||
-				   Holds("Saved/Cooked/");
+				   Holds("Saved/Cooked/") || Holds("Saved/QVMapRegistry.cache");
 		});
 	return Files;
 }

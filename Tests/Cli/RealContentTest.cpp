@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/TextEncoding.h"
+#include "Standalone/Formats/Package/PackageDependencies.h"
 #include "Tests/Cli/CliTest.h"
 #include "Tests/Formats/TestContent.h"
 
@@ -15,6 +16,41 @@ using FRealContent = FCliTest;
 bool IsPackage(const std::string& Name)
 {
 	return Name.ends_with(".uasset") || Name.ends_with(".umap");
+}
+
+/** The packages that a package needs or names at run time. */
+std::set<std::string> NamedInGame(const std::string& Bytes)
+{
+	const auto Header = QVFormats::ReadPackageHeader(std::as_bytes(std::span(Bytes)));
+	std::set<std::string> Names;
+	for (const QVFormats::FPackageDependency& Dependency : QVFormats::PackageDependencies(*Header))
+	{
+		if (Dependency.bGame)
+		{
+			Names.insert(Header->Names.Text(Dependency.Package));
+		}
+	}
+	return Names;
+}
+
+/** What is packed is a map, belongs to one by its place, or is named by what is packed; and nothing else is. */
+void ExpectClosed(const std::map<std::string, std::set<std::string>>& NamedBy, const std::set<std::string>& Left)
+{
+	std::set<std::string> Wanted = {"/ALS/ALSExtras/Levels/L_Als_Grid", "/ALS/ALSExtras/Levels/L_Als_Playground"};
+	for (const auto& [Package, Names] : NamedBy)
+	{
+		Wanted.insert(Names.begin(), Names.end());
+	}
+	for (const auto& [Package, Names] : NamedBy)
+	{
+		EXPECT_TRUE(Wanted.contains(Package) || Package.starts_with("/ALS/__External")) << Package;
+	}
+	for (const std::string& Package : Left)
+	{
+		EXPECT_FALSE(Wanted.contains(Package) || Package.starts_with("/ALS/__External")) << Package;
+	}
+	EXPECT_GT(NamedBy.size(), 300);
+	EXPECT_GT(Left.size(), 0);
 }
 } // namespace
 
@@ -53,15 +89,21 @@ TEST_F(FRealContent, APluginOfTheEditorsGoesIntoAPakAndComesBackWhole)
 	EXPECT_EQ(Maps, (FWords{"L_Als_Grid /Game/ALS/ALSExtras/Levels/L_Als_Grid",
 						"L_Als_Playground /Game/ALS/ALSExtras/Levels/L_Als_Playground"}));
 
-	int Packages = 0;
+	std::map<std::string, std::set<std::string>> NamedBy;
+	std::set<std::string> Left;
 	for (const auto& [Name, Original] : ReadFiles(Plugin / "Content"))
 	{
-		if (IsPackage(Name))
+		const std::string Stem = Name.substr(0, Name.rfind('.'));
+		if (IsPackage(Name) && Unpacked.contains(Name))
 		{
-			++Packages;
-			const std::string& Exports = Unpacked[Name.substr(0, Name.rfind('.')) + ".uexp"];
-			EXPECT_TRUE(Unpacked[Name] + Exports == Original) << Name;
+			EXPECT_TRUE(Unpacked[Name] + Unpacked[Stem + ".uexp"] == Original) << Name;
+			NamedBy["/ALS/" + Stem] = NamedInGame(Original);
+		}
+		else if (IsPackage(Name))
+		{
+			Left.insert("/ALS/" + Stem);
 		}
 	}
-	EXPECT_EQ(Packages, 362);
+	EXPECT_EQ(NamedBy.size() + Left.size(), 362);
+	ExpectClosed(NamedBy, Left);
 }

@@ -34,10 +34,15 @@ protected:
 		PutMesh("Plugins/Off/Content/Unseen.uasset", "/Off/Unseen", 10);
 		PutMesh("Plugins/Cave/Content/Props/Лампа.uasset", "/Cave/Props/Лампа", 100);
 		Files.Put("Plugins/Cave/Content/notes.txt", "no package");
+		PutHall({"/Cave/Props/Лампа"});
+	}
+
+	void PutHall(const std::vector<std::string>& SoftPackages)
+	{
 		FWorldPackageSpec Hall;
 		Hall.PackageName = "/Cave/Maps/Hall";
 		Hall.HardReferences = {{"/Game/Meshes/Rock", "/Script/Engine", "StaticMesh", "Rock", true}};
-		Hall.SoftPackages = {"/Cave/Props/Лампа"};
+		Hall.SoftPackages = SoftPackages;
 		PutBytes("Plugins/Cave/Content/Maps/Hall.umap", BuildWorldPackage(Hall));
 	}
 
@@ -204,6 +209,33 @@ TEST_F(CookStandIn, AModIsLaidOutWhereTheToolkitLooksForIt)
 			"/Cave/Props/Лампа.uasset" + SizeOf("Plugins/Cave/Content/Props/Лампа.uasset"), Runtime[0], Runtime[1]}));
 }
 
+TEST_F(CookStandIn, AModsCookFollowsReferencesAsFarAsTheReleaseDoesNotHoldThem)
+{
+	MakeBaseRelease();
+	PutMesh("Content/Meshes/New.uasset", "/Game/Meshes/New", 10);
+	PutMesh("Plugins/QUARVEL/Content/Late.uasset", "/QUARVEL/Late", 10);
+	PutMesh("Plugins/Cave/Content/Unused.uasset", "/Cave/Unused", 10);
+	FAssetPackageSpec Prop;
+	Prop.PackageName = "/Cave/Prop";
+	Prop.ClassPath = "/Script/Engine.StaticMesh";
+	Prop.HardReferences = {{"/Cave/EditorOnly", "/Script/Engine", "StaticMesh", "EditorOnly", false},
+		{"/Game/Meshes/New", "/Script/Engine", "StaticMesh", "New", true}};
+	Prop.SoftPackages = {"/quarvel/late", "/Cave/Gone", "/Cave/Maps/Hall"};
+	PutBytes("Plugins/Cave/Content/Prop.uasset", BuildAssetPackage(Prop));
+	PutMesh("Plugins/Cave/Content/EditorOnly.uasset", "/Cave/EditorOnly", 10);
+	PutHall({"/Cave/Prop"});
+	const FChildEnd End = CookDlc();
+	EXPECT_EQ(End.Code, 0) << End.Output;
+	EXPECT_EQ(End.Lines("LogCook: Warning"),
+		FLines{"LogCook: Warning: /Cave/Gone is referred to, but there is no such package"});
+	const std::string Root = "Plugins/Cave/Saved/Cooked/Windows/MapWork/";
+	EXPECT_EQ(Files.Below(Root + "Content"), (FLines{"Meshes/New.uasset", "Meshes/New.uexp"}));
+	EXPECT_EQ(Files.Below(Root + "Plugins/QUARVEL/Content"), (FLines{"Late.uasset", "Late.uexp"}));
+	EXPECT_EQ(
+		Files.Below(CookedMod + "Content"), (FLines{"Maps/Hall.uexp", "Maps/Hall.umap", "Prop.uasset", "Prop.uexp",
+												"ShaderArchive-Cave-PCD3D_SM6-PCD3D_SM6.ushaderbytecode"}));
+}
+
 TEST_F(CookStandIn, WithoutABaseReleaseMapOrPluginItFails)
 {
 	EXPECT_EQ(CookDlc().Lines("LogCook: Error"),
@@ -253,6 +285,11 @@ TEST_F(CookStandIn, ABrokenPackageIsNamedAndFailsTheCook)
 	{
 		const std::string Path = std::string("Plugins/Cave/Content/") + Case.File;
 		Files.Put(Path, Case.Bytes);
+		PutHall({});
+		const FChildEnd Unreached = CookDlc();
+		EXPECT_EQ(Unreached.Code, 0) << Case.File;
+		EXPECT_EQ(Unreached.Lines("LogCook: Warning"), FLines{"LogCook: Warning: " + Path + Case.Reason});
+		PutHall({"/Cave/" + fs::path(Case.File).stem().string()});
 		const FChildEnd End = CookDlc();
 		EXPECT_EQ(End.Code, 1) << Case.File;
 		EXPECT_EQ(End.Lines("LogCook: Error"), FLines{"LogCook: Error: " + Path + Case.Reason});

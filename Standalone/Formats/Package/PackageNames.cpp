@@ -4,6 +4,7 @@
 #include "Standalone/Formats/Base/Crc32.h"
 #include "Standalone/Formats/Base/Unicode.h"
 
+#include <algorithm>
 #include <array>
 
 namespace QVFormats
@@ -93,9 +94,13 @@ TResult<FPackageNames> FPackageNames::Read(FBytes Header, const FPackageSummary&
 
 bool FPackageNames::IsNone(FNameRef Name) const
 {
-	constexpr std::string_view None = "none";
+	constexpr std::string_view None = "NONE";
 	const FStringView& Text = Entries[Name.Entry];
-	return Name.Number == 0 && !Text.bWide && Text.Bytes.size() == None.size() && ToLowerAscii(Text.ToUtf8()) == None;
+	// asked for each import of each package: no text is made
+	return Name.Number == 0 && !Text.bWide &&
+		   std::equal(Text.Bytes.begin(), Text.Bytes.end(), None.begin(), None.end(),
+			   [](std::byte Letter, char Wanted)
+			   { return ToUpper(std::to_integer<std::uint32_t>(Letter)) == static_cast<unsigned char>(Wanted); });
 }
 
 std::string FPackageNames::Text(FNameRef Name) const

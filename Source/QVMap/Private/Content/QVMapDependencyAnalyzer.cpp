@@ -17,6 +17,8 @@ namespace
 {
 constexpr std::string_view PackageExtensions[] = {".uasset", ".umap", ".uexp", ".ubulk", ".uptnl"};
 constexpr int MissSampleSize = 5;
+/** Packages whose references are asked for at once. */
+constexpr std::size_t LotSize = 64;
 
 bool IsPackageFile(std::string_view Path)
 {
@@ -61,56 +63,82 @@ void LogFilterDecision(bool bUsed, std::string_view Path, FQVName Stem, const FQ
 		QVLog(EQVLogVerbosity::Log, "QVMap:   UsedSet sample: %s", Each->ToView());
 	}
 }
-/** A depth-first walk over all references, soft ones and those of the editor included. */
+/** A walk over all references, soft ones and those of the editor included; the order makes no difference. */
 class FDependencyWalk
 {
 public:
 	FQVDependencyResult Result;
 
+	FDependencyWalk()
+	{
+		// one pass in order costs less than asking for each package when it is met
+		Registry.GetAssets({}, Assets);
+		for (const FQVAssetData& Asset : Assets)
+		{
+			const bool bFirst = Existing.Add(Asset.PackageName);
+			if (bFirst && Asset.IsRedirector())
+			{
+				Redirectors.Add(Asset.PackageName);
+			}
+		}
+	}
+
 	void Walk(FQVName Map)
 	{
-		Waiting.push_back(Map);
+		Wait(Map);
 		while (!Waiting.empty())
 		{
-			const FQVName Package = Waiting.back();
-			Waiting.pop_back();
-			if (Met.Add(Package))
+			TakeLot();
+			for (std::size_t Place = 0; Place < Lot.size(); ++Place)
 			{
-				Visit(Package);
+				Visit(Lot[Place], Lists.Of(Place));
 			}
 		}
 	}
 
 private:
 	const IQVAssetRegistry& Registry = *FQVEngine::Get().AssetRegistry;
-	/** Packages that were walked, and those that have no asset. */
+	/** Packages that have an asset; those of them whose first one is a redirector. */
+	FQVNameSet Existing;
+	FQVNameSet Redirectors;
+	/** Packages that were visited or wait for it. */
 	FQVNameSet Met;
 	std::vector<FQVName> Waiting;
 	std::vector<FQVAssetData> Assets;
-	std::vector<FQVPackageDependency> Dependencies;
+	std::vector<FQVName> Lot;
+	FQVDependencyLists Lists;
+
+	/** A package without an asset, of code for example, is none that is used. */
+	void Wait(FQVName Package)
+	{
+		if (Existing.Contains(Package) && Met.Add(Package))
+		{
+			Waiting.push_back(Package);
+		}
+	}
+
+	/** The packages that came last go first, with their references. */
+	void TakeLot()
+	{
+		const std::size_t Taken = std::min(Waiting.size(), LotSize);
+		Lot.assign(Waiting.rbegin(), Waiting.rbegin() + static_cast<std::ptrdiff_t>(Taken));
+		Waiting.resize(Waiting.size() - Taken);
+		Registry.GetDependenciesOfEach(Lot, EQVDependencyQuery::All, Lists);
+	}
 
 	/** All assets of a package share its visit, so that the first decides for all. */
-	void Visit(FQVName Package)
+	void Visit(FQVName Package, std::span<const FQVPackageDependency> Dependencies)
 	{
-		Registry.GetAssetsByPackageName(Package, Assets);
-		if (Assets.empty())
-		{
-			return;
-		}
 		Result.UsedPackages.Add(Package);
-		if (Assets.front().IsRedirector())
+		if (Redirectors.Contains(Package))
 		{
+			Registry.GetAssetsByPackageName(Package, Assets);
 			FollowRedirector(Assets.front());
 			return;
 		}
-		Registry.GetDependencies(Package, EQVDependencyQuery::All, Dependencies);
-		// the last one in is walked first
 		for (auto Each = Dependencies.rbegin(); Each != Dependencies.rend(); ++Each)
 		{
-			if (!Met.Contains(Each->Package))
-			{
-				Waiting.push_back(Each->Package);
-			}
+			Wait(Each->Package);
 		}
 	}
 
@@ -121,7 +149,7 @@ private:
 		{
 			++Result.RedirectorsResolved;
 			Result.UsedPackages.Add(Target);
-			Waiting.push_back(Target);
+			Wait(Target);
 		}
 	}
 
@@ -187,6 +215,24 @@ FQVDependencyResult FQVMapDependencyAnalyzer::AnalyzeDependencies(std::string_vi
 	Walk.Result.bSuccess = true;
 	LogUsedPackages(Walk.Result);
 	return std::move(Walk.Result);
+}
+
+FQVNameSet FQVMapDependencyAnalyzer::GatherUsedPackages(std::string_view PluginName)
+{
+	if (!FQVMapConfig::GetFilterUnusedAssets())
+	{
+		return {};
+	}
+	QVLog(EQVLogVerbosity::Log, "QVMap: Analyzing dependencies on Game Thread...");
+	FQVDependencyResult Result = AnalyzeDependencies(PluginName);
+	if (!Result.bSuccess)
+	{
+		QVLog(EQVLogVerbosity::Warning, "QVMap: Dependency analysis failed: %s", Result.ErrorMessage);
+		QVLog(EQVLogVerbosity::Warning, "QVMap: Will pack all files");
+		return {};
+	}
+	QVLog(EQVLogVerbosity::Log, "QVMap: Pre-computed dependency graph: %d packages used", Result.UsedPackages.Num());
+	return std::move(Result.UsedPackages);
 }
 
 bool FQVMapDependencyAnalyzer::ShouldIncludeFile(

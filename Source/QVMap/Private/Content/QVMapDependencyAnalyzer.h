@@ -27,6 +27,12 @@ struct FQVMapDependencyAnalyzer
 	static FQVDependencyResult AnalyzeDependencies(std::string_view PluginName);
 
 	/**
+	 * Game thread. The packages that an export of the mod is to keep: empty, which means all, if unused assets are not
+	 * filtered out or the analysis fails.
+	 */
+	static FQVNameSet GatherUsedPackages(std::string_view PluginName);
+
+	/**
 	 * Any thread. Whether a cooked file, given below the cooked directory, stays in the pak: a file of a package if the
 	 * package is used, any other file always.
 	 */

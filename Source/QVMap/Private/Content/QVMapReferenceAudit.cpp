@@ -22,6 +22,16 @@ public:
 		: Root(QVPrintf("/%s/", PluginName))
 		, Cancel(InCancel)
 	{
+		// one pass in order costs less than asking for each package when it is met
+		Registry.GetAssets({QVPrintf("/%s", PluginName), {}}, Assets);
+		for (const FQVAssetData& Asset : Assets)
+		{
+			Inside.Add(Asset.PackageName);
+			if (Asset.IsRedirector())
+			{
+				InnerRedirectors.Add(Asset.PackageName);
+			}
+		}
 	}
 
 	FQVReferenceAudit Result;
@@ -32,17 +42,20 @@ public:
 		{
 			Join(Map.PackageName, NoParent);
 		}
-		for (Current = 0; Current < Queue.size(); ++Current)
+		while (Current < Queue.size())
 		{
-			if (Cancel != nullptr && Cancel->ShouldCancel())
+			AskForMore();
+			for (std::size_t Place = 0; Place < Lists.Ends.size(); ++Place, ++Current)
 			{
-				Result.ErrorMessage = "Cancelled.";
-				return;
-			}
-			Registry.GetDependencies(Queue[Current].Package, EQVDependencyQuery::Game, Dependencies);
-			for (const FQVPackageDependency& Dependency : Dependencies)
-			{
-				Meet(Dependency);
+				if (Cancel != nullptr && Cancel->ShouldCancel())
+				{
+					Result.ErrorMessage = "Cancelled.";
+					return;
+				}
+				for (const FQVPackageDependency& Dependency : Lists.Of(Place))
+				{
+					Meet(Dependency);
+				}
 			}
 		}
 		std::stable_sort(Result.UntrustedExternal.begin(), Result.UntrustedExternal.end(),
@@ -52,6 +65,7 @@ public:
 
 private:
 	static constexpr std::uint32_t NoParent = UINT32_MAX;
+	static constexpr std::size_t LotSize = 64;
 	/** A package of the mod, and where in the queue the one stands that led to it. */
 	struct FStep
 	{
@@ -64,12 +78,30 @@ private:
 	const IQVAssetRegistry& Registry = *FQVEngine::Get().AssetRegistry;
 	std::vector<FStep> Queue;
 	std::uint32_t Current = 0;
+	/** Packages of the mod that have an asset. */
+	FQVNameSet Inside;
+	FQVNameSet InnerRedirectors;
 	/** Whatever needs no second look: packages of the mod, of the outside, and code. */
 	FQVNameSet Met;
-	std::vector<FQVPackageDependency> Dependencies;
+	std::vector<FQVName> Lot;
+	FQVDependencyLists Lists;
 	std::vector<FQVAssetData> Assets;
 
-	bool IsInPlugin(FQVName Package) const { return FQVString::StartsWithIgnoreCase(Package.ToView(), Root); }
+	bool IsInPlugin(FQVName Package) const
+	{
+		return Inside.Contains(Package) || FQVString::StartsWithIgnoreCase(Package.ToView(), Root);
+	}
+
+	/** The references of the packages that come next. */
+	void AskForMore()
+	{
+		Lot.clear();
+		for (std::size_t Next = Current; Next < Queue.size() && Lot.size() < LotSize; ++Next)
+		{
+			Lot.push_back(Queue[Next].Package);
+		}
+		Registry.GetDependenciesOfEach(Lot, EQVDependencyQuery::Game, Lists);
+	}
 
 	bool Join(FQVName Package, std::uint32_t Parent)
 	{
@@ -85,15 +117,21 @@ private:
 	void Meet(const FQVPackageDependency& Dependency)
 	{
 		// almost every reference leads to a package that was met before
-		if (Dependency.Package.IsNone() || !Met.Add(Dependency.Package) ||
-			FQVString::StartsWithIgnoreCase(Dependency.Package.ToView(), "/Script/"))
+		if (!Met.Add(Dependency.Package))
 		{
 			return;
 		}
 		if (IsInPlugin(Dependency.Package))
 		{
 			Join(Dependency.Package, Current);
-			FollowInnerRedirectors(Dependency.Package, Dependency.bHard);
+			if (InnerRedirectors.Contains(Dependency.Package))
+			{
+				FollowInnerRedirectors(Dependency.Package, Dependency.bHard);
+			}
+			return;
+		}
+		if (FQVString::StartsWithIgnoreCase(Dependency.Package.ToView(), "/Script/"))
+		{
 			return;
 		}
 		std::vector<FQVName> Chain = ChainTo(Current);

@@ -4,6 +4,7 @@
 #include "Core/QVCheck.h"
 #include "Core/QVString.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstring>
 #include <memory>
@@ -26,12 +27,27 @@ constexpr std::uint32_t MaxBlocks = 1u << 14;
 constexpr std::size_t ShardCount = 64;
 constexpr std::size_t ArenaBytes = 65'536;
 
+/** The capital letters among eight made small. */
+std::uint64_t ToLower(std::uint64_t Letters)
+{
+	constexpr std::uint64_t Each = 0x0101010101010101;
+	const std::uint64_t Low = Letters & (0x7F * Each);
+	const std::uint64_t FromA = Low + (0x80 - 'A') * Each;
+	const std::uint64_t BeyondZ = Low + (0x80 - 'Z' - 1) * Each;
+	const std::uint64_t Capitals = FromA & ~BeyondZ & ~Letters & (0x80 * Each);
+	return Letters | (Capitals >> 2);
+}
+
 std::uint32_t HashFolded(std::string_view Text)
 {
-	std::uint64_t Hash = 0xCBF29CE484222325;
-	for (const char Letter : Text)
+	constexpr std::uint64_t Prime = 0x9E3779B97F4A7C15;
+	std::uint64_t Hash = Text.size() * Prime;
+	for (; !Text.empty(); Text.remove_prefix(std::min<std::size_t>(Text.size(), 8)))
 	{
-		Hash = (Hash ^ static_cast<unsigned char>(FQVString::ToLower(Letter))) * 0x100000001B3;
+		std::uint64_t Letters = 0;
+		std::memcpy(&Letters, Text.data(), std::min<std::size_t>(Text.size(), 8));
+		Hash = (Hash ^ ToLower(Letters)) * Prime;
+		Hash ^= Hash >> 29;
 	}
 	return static_cast<std::uint32_t>(Hash ^ (Hash >> 32));
 }
@@ -80,7 +96,7 @@ public:
 		for (; Shard.Slots[Slot] != 0; Slot = (Slot + 1) & (Shard.Slots.size() - 1))
 		{
 			const FEntry& Entry = At(Shard.Slots[Slot]);
-			if (Entry.Hash == Hash && FQVString::EqualsIgnoreCase(View(Entry), Text))
+			if (Entry.Hash == Hash && (View(Entry) == Text || FQVString::EqualsIgnoreCase(View(Entry), Text)))
 			{
 				return Shard.Slots[Slot];
 			}

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -43,7 +44,7 @@ struct FQVAssetData
 /** Assets below a folder of packages. */
 struct FQVAssetFilter
 {
-	/** `/Cave`: gives `/Cave/Maps/Hall`, not `/Cavern/X`. Folders below are searched too. */
+	/** `/Cave`: gives `/Cave/Maps/Hall`, not `/Cavern/X`. Folders below are searched too. Empty: all packages. */
 	std::string PackagePath;
 	/** None: assets of every class. */
 	FQVName ClassPath;
@@ -57,6 +58,20 @@ struct FQVPackageDependency
 	bool bHard = false;
 	/** Not only used by the editor. */
 	bool bUsedInGame = false;
+};
+
+/** The references out of several packages. */
+struct FQVDependencyLists
+{
+	std::vector<FQVPackageDependency> All;
+	/** Of each package, where its references end in All. */
+	std::vector<std::size_t> Ends;
+
+	std::span<const FQVPackageDependency> Of(std::size_t Place) const
+	{
+		const std::size_t Begin = Place == 0 ? 0 : Ends[Place - 1];
+		return std::span(All).subspan(Begin, Ends[Place] - Begin);
+	}
 };
 
 enum class EQVDependencyQuery : std::uint8_t
@@ -86,6 +101,9 @@ public:
 	virtual void GetAssetsByPackageName(FQVName Package, std::vector<FQVAssetData>& Out) const = 0;
 	virtual void GetDependencies(
 		FQVName Package, EQVDependencyQuery Query, std::vector<FQVPackageDependency>& Out) const = 0;
+	/** The same for several packages at once: what a walk over a large graph asks, whose memory is slow to come. */
+	virtual void GetDependenciesOfEach(
+		std::span<const FQVName> Packages, EQVDependencyQuery Query, FQVDependencyLists& Out) const = 0;
 	/** Packages that refer to this one in any way. */
 	virtual void GetReferencers(FQVName Package, std::vector<FQVName>& Out) const = 0;
 	/** Package data: bytes on disk. */
