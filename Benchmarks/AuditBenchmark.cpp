@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The audit and the analysis of a mod's references over a made-up graph of a million packages and ten million
 // references, against a bare breadth-first walk over flat integer arrays of the same graph, side by side in one run.
-// Usage: AuditBenchmark [packages] [rounds].
+// Usage: audit-benchmark [work folder] [rounds] [packages]. The work folder is removed afterwards.
 #include "Content/QVMapDependencyAnalyzer.h"
 #include "Content/QVMapReferenceAudit.h"
 #include "Core/QVLog.h"
@@ -188,8 +188,9 @@ void Run(const fs::path& Folder, std::uint32_t Packages, int Rounds)
 
 int main(int Count, char** Arguments)
 {
-	const fs::path Folder = fs::temp_directory_path() / ("AuditBenchmark-" + std::to_string(::getpid()));
-	Run(Folder, Count > 1 ? static_cast<std::uint32_t>(std::atoi(Arguments[1])) : 1'000'000,
+	const fs::path Folder = (Count > 1 ? fs::path(Arguments[1]) : fs::temp_directory_path()) /
+							("AuditBenchmark-" + std::to_string(::getpid()));
+	Run(Folder, Count > 3 ? static_cast<std::uint32_t>(std::atoi(Arguments[3])) : 1'000'000,
 		Count > 2 ? std::atoi(Arguments[2]) : 5);
 	fs::remove_all(Folder);
 	return 0;

@@ -92,14 +92,17 @@ void FPackageInspection::Counts()
 std::string FPackageInspection::ObjectPath(FPackageIndex Index) const
 {
 	constexpr std::size_t DeepestObject = 256;
+	constexpr std::size_t LongestPath = 64 * 1024;
 	std::vector<std::string> Parts;
+	std::size_t Length = 0;
 	bool bOfImports = false;
-	while (!Index.IsNull() && Parts.size() < DeepestObject)
+	while (!Index.IsNull() && Parts.size() < DeepestObject && Length < LongestPath)
 	{
 		const bool bExport = Index.IsExport();
 		bOfImports = !bExport;
 		Parts.push_back(Header.Names.Text(
 			bExport ? Header.Exports[Index.ToExport()].ObjectName : Header.Imports[Index.ToImport()].ObjectName));
+		Length += Parts.back().size();
 		Index = bExport ? Header.Exports[Index.ToExport()].Outer : Header.Imports[Index.ToImport()].Outer;
 	}
 	std::string Path;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Content/QVMapDependencyAnalyzer.h"
+#include "Core/QVPath.h"
 #include "Core/QVString.h"
 #include "Core/QVText.h"
 #include "Export/QVMapLastExport.h"
@@ -133,6 +134,23 @@ void TellFailure(FSession& Session, const FPackOptions& Options, const std::stri
 	}
 }
 
+/** What the export is to keep; empty for all. What a package that cannot be read refers to is not known. */
+FQVNameSet FindUsedPackages(FSession& Session, const std::string& Mod)
+{
+	const std::string Content = FQVPath::Combine(FQVMapPaths::GetPluginsDir(), Mod, "Content/");
+	for (const QVStandalone::FUnreadablePackage& Unreadable : Session.Engine.GetAssetRegistry().GetUnreadable())
+	{
+		if (FQVString::StartsWithIgnoreCase(Unreadable.File, Content))
+		{
+			Session.Console.Warn(
+				QVPrintf("nothing is left out of the pak, since it is not known what this refers to: %s %s",
+					Unreadable.File, Unreadable.Reason));
+			return {};
+		}
+	}
+	return FQVMapDependencyAnalyzer::GatherUsedPackages(Mod);
+}
+
 EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 {
 	const std::unique_ptr<FSession> Session = FSession::Open(Line);
@@ -141,11 +159,15 @@ EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 		return EExitCode::Failed;
 	}
 	FConsole& Console = Session->Console;
-	if (FQVMapConfig::GetFilterUnusedAssets() && !ScanRegistry(*Session))
+	FQVNameSet UsedPackages;
+	if (FQVMapConfig::GetFilterUnusedAssets())
 	{
-		return EExitCode::Failed;
+		if (!ScanRegistry(*Session))
+		{
+			return EExitCode::Failed;
+		}
+		UsedPackages = FindUsedPackages(*Session, Options.Mod);
 	}
-	const FQVNameSet UsedPackages = FQVMapDependencyAnalyzer::GatherUsedPackages(Options.Mod);
 	FQVExportResult Result;
 	const FQVExportProgress Progress([&Console](std::string_view Stage, float Fraction, std::string_view Message)
 		{ Console.Progress(Stage, Fraction, Message); });

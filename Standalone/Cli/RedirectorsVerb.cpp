@@ -3,6 +3,7 @@
 #include "Content/QVMapReferenceAudit.h"
 #include "Core/QVString.h"
 #include "Core/QVText.h"
+#include "Standalone/Cli/InspectReport.h"
 #include "Standalone/Cli/RegistryScan.h"
 #include "Standalone/Cli/Session.h"
 
@@ -16,6 +17,7 @@ struct FRedirectorsOptions
 {
 	std::string Map;
 	bool bDryRun = false;
+	bool bDespiteUnreadable = false;
 };
 
 /** The redirectors that a mod's maps meet outside of it, then all that lie in the mod itself. */
@@ -89,7 +91,7 @@ FQVJson ToJson(const std::string& Mod, const FRedirectorPlan& Plan, bool bApplie
 
 std::string Behind(std::string_view Mark, const std::string& Text)
 {
-	return Text.empty() ? std::string() : QVPrintf("%s%s", Mark, Text);
+	return Text.empty() ? std::string() : QVPrintf("%s%s", Mark, EscapeControls(Text));
 }
 
 void PrintText(FConsole& Console, const FRedirectorPlan& Plan, bool bApplied)
@@ -98,17 +100,17 @@ void PrintText(FConsole& Console, const FRedirectorPlan& Plan, bool bApplied)
 	{
 		const FRedirectorFix& Fix = Plan.Redirectors[Place];
 		const std::string_view Word = Fix.bDeleted ? "deleted" : !Fix.Obstacle.empty() ? "stays" : "redirector";
-		Console.Result(QVPrintf(
-			"%s  %s%s%s", Word, Fix.Package.ToView(), Behind(" -> ", Fix.Rename.To), Behind("\n    ", Fix.Obstacle)));
+		Console.Result(QVPrintf("%s  %s%s%s", Word, EscapeControls(Fix.Package.ToView()), Behind(" -> ", Fix.Rename.To),
+			Behind("\n    ", Fix.Obstacle)));
 	}
 	for (const FReferencerFix& Fix : Plan.Referencers)
 	{
-		const std::string_view Word = Fix.bRewritten		  ? "repointed"
-									  : !Fix.Obstacle.empty() ? "stays"
-									  : bApplied			  ? "unchanged"
-															  : "would repoint";
-		Console.Result(QVPrintf(
-			"%s  %s: %d reference(s)%s", Word, Fix.Package.ToView(), Fix.References, Behind("\n    ", Fix.Obstacle)));
+		const std::string_view Word = Fix.bRewritten								 ? "repointed"
+									  : !Fix.Obstacle.empty() || Fix.References == 0 ? "stays"
+									  : bApplied									 ? "unchanged"
+																					 : "would repoint";
+		Console.Result(QVPrintf("%s  %s: %d reference(s)%s", Word, EscapeControls(Fix.Package.ToView()), Fix.References,
+			Behind("\n    ", Fix.Obstacle)));
 	}
 	if (!Plan.BackupDir.empty())
 	{
@@ -168,6 +170,7 @@ EExitCode Fix(FCommandLine& Line, FRedirectorsOptions Options)
 		return EExitCode::Failed;
 	}
 	FAssetTools& Tools = Session->Engine.GetAssetTools();
+	Tools.GetRedirectorFixup().bDespiteUnreadable = Options.bDespiteUnreadable;
 	if (Options.bDryRun || Redirectors.empty())
 	{
 		const FRedirectorPlan Plan = Tools.GetRedirectorFixup().Plan(Redirectors);
@@ -202,6 +205,8 @@ void AddRedirectorsVerb(FCommandLine& Line)
 		"Repoints whoever refers to them, then deletes those that nothing refers to any more",
 		"qvmap redirectors fix Harbor --dry-run", [&Line, Options] { return Fix(Line, *Options); });
 	FixVerb->add_flag("--dry-run", Options->bDryRun, "Show what would change; change nothing");
+	FixVerb->add_flag("--despite-unreadable", Options->bDespiteUnreadable,
+		"Delete redirectors although packages that cannot be read may refer to them");
 	for (CLI::App* Verb : {ListVerb, FixVerb})
 	{
 		Verb->add_option("map", Options->Map, "A mod, or a map of one")->required()->type_name("MAP");

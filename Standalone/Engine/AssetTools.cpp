@@ -23,7 +23,7 @@ std::string FreeFolder(const std::string& Wanted)
 }
 } // namespace
 
-FAssetTools::FAssetTools(IQVAssetRegistry& Registry, const FPackages& Packages, const std::string& InProjectDir)
+FAssetTools::FAssetTools(FAssetRegistry& Registry, const FPackages& Packages, const std::string& InProjectDir)
 	: ProjectDir(InProjectDir)
 	, Fixup(Registry, Packages, InProjectDir)
 {

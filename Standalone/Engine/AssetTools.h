@@ -10,7 +10,7 @@ namespace QVStandalone
 class FAssetTools : public IQVAssetTools
 {
 public:
-	FAssetTools(IQVAssetRegistry& Registry, const FPackages& Packages, const std::string& InProjectDir);
+	FAssetTools(FAssetRegistry& Registry, const FPackages& Packages, const std::string& InProjectDir);
 
 	void FixupReferencers(std::span<const FQVAssetData> Redirectors) override;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/PackageFacts.h"
 
+#include "Core/QVUnicode.h"
 #include "Standalone/Formats/Base/Unicode.h"
 
 #include <algorithm>
@@ -67,6 +68,10 @@ std::string PackageNameProblem(std::string_view PackageName)
 	if (Bad != std::string_view::npos)
 	{
 		return "has \"" + std::string(1, PackageName[Bad]) + "\" in its name, which no package may have";
+	}
+	if (FQVUnicode::Repair(PackageName) != PackageName)
+	{
+		return "has bytes in its name that are not UTF-8";
 	}
 	const bool bShort = PackageName.size() < Shortest || PackageName.ends_with('/');
 	return bShort ? "has no name that a package may have" : std::string();

@@ -7,8 +7,10 @@
 #include "Standalone/Engine/EngineLog.h"
 #include "Standalone/Engine/Files.h"
 #include "Standalone/Engine/Interrupt.h"
+#include "Standalone/Engine/NameSearch.h"
 #include "Standalone/Engine/OsFile.h"
 #include "Standalone/Engine/OsPath.h"
+#include "Standalone/Engine/RedirectorChain.h"
 #include "Standalone/Formats/Base/MappedFile.h"
 #include "Standalone/Formats/Package/PackageHeader.h"
 
@@ -20,96 +22,39 @@ using namespace QVFormats;
 
 namespace
 {
-/** `/Cave/Rock.Rock` taken apart; the object is empty if there is none. */
-struct FObjectPath
+bool IsReadOnly(const std::string& File)
 {
-	std::string Package;
-	std::string Object;
-
-	explicit FObjectPath(std::string_view Path)
-		: Package(FQVAssetData::PackageOfObjectPath(Path))
-	{
-		// behind the class in quotes, if there is one
-		const std::size_t Begin = Path.find('\'') == std::string_view::npos ? 0 : Path.find('\'') + 1;
-		Path.remove_prefix(std::min(Path.size(), Begin + Package.size() + 1));
-		Object = Path.substr(0, Path.find('\''));
-	}
-};
-
-/** What the objects of a package of redirectors lead to. */
-struct FRedirectorObjects
-{
-	std::vector<std::pair<std::string, std::string>> Objects;
-	std::string Target;
-	std::string Obstacle;
-
-	void Add(std::string_view Object, const std::string& Destination)
-	{
-		const FObjectPath Path(Destination);
-		if (Path.Package.empty() || Path.Object.empty())
-		{
-			Obstacle = QVPrintf("%s leads nowhere", Object);
-		}
-		else if (!Target.empty() && !FQVString::EqualsIgnoreCase(Target, Path.Package))
-		{
-			Obstacle = QVPrintf("its objects lead to several packages: %s and %s", Target, Path.Package);
-		}
-		Target = Path.Package;
-		Objects.emplace_back(Object, Path.Object);
-	}
-};
-
-FRedirectorObjects ReadObjects(const FPackageHeader& Header)
-{
-	FRedirectorObjects Found;
-	for (const FPackageExport& Export : Header.Exports)
-	{
-		if (Export.bAsset && Header.ClassPathOf(Export) != FQVAssetData::RedirectorClass)
-		{
-			Found.Obstacle = QVPrintf("it holds %s too, which is no redirector", Header.Names.Text(Export.ObjectName));
-		}
-	}
-	for (const FPackageAsset& Asset : Header.Registry.Assets)
-	{
-		for (const FPackageTag& Tag : Header.Registry.TagsOf(Asset))
-		{
-			if (Tag.Key.ToUtf8() == FQVAssetData::DestinationTag)
-			{
-				Found.Add(Asset.ObjectPath.ToUtf8(), Tag.Value.ToUtf8());
-			}
-		}
-	}
-	return Found;
-}
-
-FRedirectorObjects ReadObjects(const std::string& File)
-{
-	FRedirectorObjects Failed;
-	const auto Mapped = FMappedFile::Open(ToOsPath(File));
-	if (!Mapped)
-	{
-		Failed.Obstacle = Mapped.Error().Message;
-		return Failed;
-	}
-	const auto Header = ReadPackageHeader(Mapped->Bytes());
-	if (!Header)
-	{
-		Failed.Obstacle = QVPrintf("%s %s", File, Header.Error().Message);
-		return Failed;
-	}
-	return ReadObjects(*Header);
-}
-
-std::string ObjectThere(const FRedirectorObjects& Next, const std::string& Object)
-{
-	const auto Found = std::find_if(Next.Objects.begin(), Next.Objects.end(),
-		[&](const auto& Pair) { return FQVString::EqualsIgnoreCase(Pair.first, Object); });
-	return Found == Next.Objects.end() ? Object : Found->second;
+	constexpr auto Write = std::filesystem::perms::owner_write | std::filesystem::perms::group_write |
+						   std::filesystem::perms::others_write;
+	std::error_code Error;
+	return (std::filesystem::status(ToOsPath(File), Error).permissions() & Write) == std::filesystem::perms::none;
 }
 
 std::string_view AsText(FBytes Bytes)
 {
 	return {reinterpret_cast<const char*>(Bytes.data()), Bytes.size()};
+}
+
+/** Texts that no table of the header knows: in the data of objects, in maps of old layouts. The table of names may keep
+ * an entry that nothing uses any more, so it is not looked at. */
+std::string WhatStillNames(std::string_view Bytes, const std::vector<FPackageRename>& Renames)
+{
+	const auto Header = ReadPackageHeader(std::as_bytes(std::span(Bytes)));
+	if (!Header)
+	{
+		return QVPrintf("what it would become %s", Header.Error().Message);
+	}
+	const auto Names = static_cast<std::size_t>(Header->Summary.Names.Offset);
+	for (const FPackageRename& Rename : Renames)
+	{
+		const FNameSearch Search(Rename.From);
+		if (Search.IsIn(Bytes.substr(0, Names)) || Search.IsIn(Bytes.substr(Header->Names.EndPosition())))
+		{
+			return QVPrintf(
+				"the data of its objects names %s: open it in the editor, fix the redirectors there", Rename.From);
+		}
+	}
+	return {};
 }
 } // namespace
 
@@ -119,7 +64,7 @@ bool FRedirectorPlan::IsWhole() const
 		Redirectors.begin(), Redirectors.end(), [](const FRedirectorFix& Fix) { return Fix.Obstacle.empty(); });
 }
 
-FRedirectorFixup::FRedirectorFixup(IQVAssetRegistry& InRegistry, const FPackages& InPackages, std::string InProjectDir)
+FRedirectorFixup::FRedirectorFixup(FAssetRegistry& InRegistry, const FPackages& InPackages, std::string InProjectDir)
 	: Registry(InRegistry)
 	, Packages(InPackages)
 	, ProjectDir(std::move(InProjectDir))
@@ -138,6 +83,7 @@ FRedirectorPlan FRedirectorFixup::Plan(std::span<const FQVAssetData> Redirectors
 			Plan.Redirectors.push_back(Describe(Redirector.PackageName));
 		}
 	}
+	LeaveAloneForUnread(Plan);
 	for (std::size_t Place = 0; Place < Plan.Redirectors.size(); ++Place)
 	{
 		AddReferencers(Plan, Place);
@@ -156,48 +102,20 @@ FRedirectorFix FRedirectorFixup::Describe(FQVName Package) const
 	Fix.Package = Package;
 	Fix.File = Packages.FindPackageFile(Package.ToView());
 	Fix.Rename.From = Package.ToString();
-	Fix.Obstacle = Fix.File.empty() ? "it has no file" : FollowToTheEnd(Fix);
+	Fix.Obstacle = Fix.File.empty() ? "it has no file" : FollowRedirector(Packages, Fix.File, Fix.Rename);
+	if (!Fix.Obstacle.empty())
+	{
+		Fix.bLeftAlone = true; // where it leads is not where its references may go
+	}
 	if (Fix.Obstacle.empty() && !FQVString::StartsWithIgnoreCase(Fix.File, ProjectDir + "/"))
 	{
 		Fix.Obstacle = QVPrintf("it lies outside the project: %s", Fix.File);
 	}
+	if (Fix.Obstacle.empty() && IsReadOnly(Fix.File))
+	{
+		Fix.Obstacle = QVPrintf("%s is read-only", Fix.File);
+	}
 	return Fix;
-}
-
-/** A redirector may lead to a redirector. */
-std::string FRedirectorFixup::FollowToTheEnd(FRedirectorFix& Fix) const
-{
-	FQVNameSet Met{Fix.Package};
-	FRedirectorObjects Found = ReadObjects(Fix.File);
-	if (Found.Obstacle.empty() && Found.Objects.empty())
-	{
-		return "it holds no redirector";
-	}
-	while (Found.Obstacle.empty())
-	{
-		if (!Met.Add(FQVName(Found.Target)))
-		{
-			return "it leads to itself in the end";
-		}
-		const std::string File = Packages.FindPackageFile(Found.Target);
-		if (File.empty())
-		{
-			return QVPrintf("what it leads to is not there: %s", Found.Target);
-		}
-		Fix.Rename.To = Found.Target;
-		Fix.Rename.Objects = Found.Objects;
-		FRedirectorObjects Next = ReadObjects(File);
-		if (Next.Objects.empty() || !Next.Obstacle.empty())
-		{
-			return {}; // the end: an asset, or what cannot be followed further
-		}
-		for (auto& [Old, New] : Found.Objects)
-		{
-			New = ObjectThere(Next, New);
-		}
-		Found.Target = Next.Target;
-	}
-	return Found.Obstacle;
 }
 
 void FRedirectorFixup::AddReferencers(FRedirectorPlan& Plan, std::size_t Place)
@@ -239,9 +157,21 @@ std::string FRedirectorFixup::Rewrite(
 	std::vector<FPackageRename> Renames;
 	for (const std::size_t Place : Referencer.Redirectors)
 	{
-		if (!Plan.Redirectors[Place].Rename.To.empty())
+		const FRedirectorFix& Fix = Plan.Redirectors[Place];
+		if (!Fix.Rename.To.empty() && !Fix.bLeftAlone)
 		{
-			Renames.push_back(Plan.Redirectors[Place].Rename);
+			Renames.push_back(Fix.Rename);
+		}
+	}
+	if (Renames.empty())
+	{
+		return {};
+	}
+	for (const FPackageRename& Rename : Renames)
+	{
+		if (FQVString::EqualsIgnoreCase(Rename.To, Referencer.Package.ToView()))
+		{
+			return "it is what the redirector leads to, and would import itself: fix it in the editor";
 		}
 	}
 	const auto Mapped = FMappedFile::Open(ToOsPath(Referencer.File));
@@ -260,12 +190,14 @@ std::string FRedirectorFixup::Rewrite(
 			FQVString::Join(Edit->PossiblyStale, ", "));
 	}
 	Referencer.References = Edit->References;
-	if (OutBytes != nullptr)
+	std::string Bytes(AsText(Edit->Header));
+	Bytes.append(AsText(Mapped->Bytes().subspan(Edit->OldHeaderBytes)));
+	const std::string Obstacle = WhatStillNames(Bytes, Renames);
+	if (Obstacle.empty() && OutBytes != nullptr && Edit->bChanged)
 	{
-		*OutBytes = AsText(Edit->Header);
-		OutBytes->append(AsText(Mapped->Bytes().subspan(Edit->OldHeaderBytes)));
+		*OutBytes = std::move(Bytes);
 	}
-	return {};
+	return Obstacle;
 }
 
 /** What one referencer cannot let go of has to stay. */
@@ -277,6 +209,47 @@ void FRedirectorFixup::HoldBack(FRedirectorPlan& Plan, const FReferencerFix& Ref
 		if (!Referencer.Obstacle.empty() && Fix.Obstacle.empty())
 		{
 			Fix.Obstacle = QVPrintf("%s still refers to it", Referencer.Package.ToView());
+		}
+	}
+}
+
+/** What nobody has read may refer to anything: a damaged package, one of a plugin that is switched off. */
+std::string FRedirectorFixup::WhatIsUnread() const
+{
+	const std::vector<FUnreadablePackage>& Unreadable = Registry.GetUnreadable();
+	const auto Own = std::find_if(Unreadable.begin(), Unreadable.end(),
+		[this](const FUnreadablePackage& Each)
+		{ return FQVString::StartsWithIgnoreCase(Each.File, ProjectDir + "/"); });
+	if (Own != Unreadable.end())
+	{
+		return QVPrintf("%s %s", Own->File, Own->Reason);
+	}
+	std::string Off;
+	FFiles().IterateDirectory(FQVPath::Combine(ProjectDir, "Plugins"),
+		[&](std::string_view Path, bool bIsDirectory)
+		{
+			const std::string Content = FQVPath::Combine(Path, "Content");
+			std::string Package;
+			if (bIsDirectory && FFiles().DirectoryExists(Content) &&
+				!Packages.TryConvertFilenameToLongPackageName(Content + "/Any.uasset", Package))
+			{
+				Off = QVPrintf("%s belongs to no plugin that is switched on", Content);
+			}
+			return Off.empty();
+		});
+	return Off;
+}
+
+void FRedirectorFixup::LeaveAloneForUnread(FRedirectorPlan& Plan) const
+{
+	const std::string Unread = bDespiteUnreadable ? std::string() : WhatIsUnread();
+	for (FRedirectorFix& Fix : Plan.Redirectors)
+	{
+		if (!Unread.empty() && !Fix.bDeleted)
+		{
+			Fix.bLeftAlone = true;
+			Fix.Obstacle =
+				Fix.Obstacle.empty() ? QVPrintf("what could not be read may refer to it: %s", Unread) : Fix.Obstacle;
 		}
 	}
 }
@@ -298,11 +271,11 @@ void FRedirectorFixup::RewriteOne(FRedirectorPlan& Plan, FReferencerFix& Referen
 {
 	std::string Bytes;
 	Referencer.Obstacle = FInterrupt::IsRaised() ? "interrupted" : Rewrite(Plan, Referencer, &Bytes);
-	if (Referencer.Obstacle.empty())
+	if (Referencer.Obstacle.empty() && !Bytes.empty())
 	{
 		Referencer.Obstacle = KeepCopy(Referencer.File, BackupDir);
 	}
-	if (!Referencer.Obstacle.empty())
+	if (!Referencer.Obstacle.empty() || Bytes.empty())
 	{
 		return;
 	}
@@ -313,32 +286,55 @@ void FRedirectorFixup::RewriteOne(FRedirectorPlan& Plan, FReferencerFix& Referen
 		return;
 	}
 	Referencer.bRewritten = true;
-	Registry.ScanPathsSynchronous(FQVPath::GetPath(Referencer.File));
 }
 
 void FRedirectorFixup::DeleteUnused(FRedirectorPlan& Plan, std::string_view BackupDir)
 {
-	std::vector<FQVName> Referencers;
+	// whatever was saved meanwhile, by us or by an editor, is looked at before anything goes
+	Registry.ScanPathsSynchronous(ProjectDir);
+	LeaveAloneForUnread(Plan);
+	FQVNameSet Gone;
+	for (bool bMore = true; bMore;)
+	{
+		bMore = false;
+		for (FRedirectorFix& Fix : Plan.Redirectors)
+		{
+			if (!Fix.bDeleted && Fix.Obstacle.empty() && FindReferencer(Fix.Package, Gone).IsNone())
+			{
+				Delete(Fix, BackupDir);
+				Plan.BackupDir = BackupDir;
+				Gone.Add(Fix.bDeleted ? Fix.Package : FQVName());
+				bMore = bMore || Fix.bDeleted;
+			}
+		}
+	}
 	for (FRedirectorFix& Fix : Plan.Redirectors)
 	{
-		Registry.GetReferencers(Fix.Package, Referencers);
-		std::erase(Referencers, Fix.Package);
-		if (Fix.Obstacle.empty() && !Referencers.empty())
+		if (!Fix.bDeleted && Fix.Obstacle.empty())
 		{
-			Fix.Obstacle = QVPrintf("%s still refers to it", Referencers.front().ToView());
+			Fix.Obstacle = QVPrintf("%s still refers to it", FindReferencer(Fix.Package, Gone).ToView());
 		}
-		if (Fix.Obstacle.empty())
-		{
-			Fix.Obstacle = FInterrupt::IsRaised() ? "interrupted" : KeepCopy(Fix.File, BackupDir);
-		}
-		if (!Fix.Obstacle.empty())
-		{
-			continue;
-		}
-		Plan.BackupDir = BackupDir;
+	}
+	Registry.ScanPathsSynchronous(ProjectDir);
+}
+
+/** One that refers to a redirector and is not gone itself; none if there is no other. */
+FQVName FRedirectorFixup::FindReferencer(FQVName Redirector, const FQVNameSet& Gone) const
+{
+	std::vector<FQVName> Referencers;
+	Registry.GetReferencers(Redirector, Referencers);
+	const auto Found = std::find_if(Referencers.begin(), Referencers.end(),
+		[&](FQVName Each) { return Each != Redirector && !Gone.Contains(Each); });
+	return Found != Referencers.end() ? *Found : FQVName();
+}
+
+void FRedirectorFixup::Delete(FRedirectorFix& Fix, std::string_view BackupDir) const
+{
+	Fix.Obstacle = FInterrupt::IsRaised() ? "interrupted" : KeepCopy(Fix.File, BackupDir);
+	if (Fix.Obstacle.empty())
+	{
 		Fix.bDeleted = FFiles().DeleteFile(Fix.File);
 		Fix.Obstacle = Fix.bDeleted ? std::string() : QVPrintf("%s could not be deleted", Fix.File);
-		Registry.ScanPathsSynchronous(FQVPath::GetPath(Fix.File));
 	}
 }
 

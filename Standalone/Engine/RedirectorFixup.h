@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Engine/QVAssetRegistry.h"
-#include "Standalone/Engine/Packages.h"
+#include "Standalone/Engine/AssetRegistry.h"
 #include "Standalone/Formats/Package/PackageEditor.h"
 
 #include <map>
@@ -21,6 +20,8 @@ struct FRedirectorFix
 	QVFormats::FPackageRename Rename;
 	/** Why it stays; empty if it goes, or once it has gone. */
 	std::string Obstacle;
+	/** Whoever refers to it is not changed either. */
+	bool bLeftAlone = false;
 	bool bDeleted = false;
 };
 
@@ -55,7 +56,11 @@ struct FRedirectorPlan
 class FRedirectorFixup
 {
 public:
-	FRedirectorFixup(IQVAssetRegistry& InRegistry, const FPackages& InPackages, std::string InProjectDir);
+	FRedirectorFixup(FAssetRegistry& InRegistry, const FPackages& InPackages, std::string InProjectDir);
+
+	/** What was not read, damaged packages and those of plugins that are off, may refer to any redirector: unless this
+	 * is set, all are left alone then. */
+	bool bDespiteUnreadable = false;
 
 	/** What would be done; changes nothing. Every rewriting is tried out in memory. */
 	FRedirectorPlan Plan(std::span<const FQVAssetData> Redirectors);
@@ -63,17 +68,20 @@ public:
 	void Apply(FRedirectorPlan& Plan, std::string_view BackupDir);
 
 private:
-	IQVAssetRegistry& Registry;
+	FAssetRegistry& Registry;
 	const FPackages& Packages;
 	const std::string ProjectDir;
 
 	FRedirectorFix Describe(FQVName Package) const;
-	std::string FollowToTheEnd(FRedirectorFix& Fix) const;
 	void AddReferencers(FRedirectorPlan& Plan, std::size_t Place);
 	std::string Rewrite(const FRedirectorPlan& Plan, FReferencerFix& Referencer, std::string* OutBytes) const;
 	std::string KeepCopy(std::string_view File, std::string_view BackupDir) const;
 	void RewriteOne(FRedirectorPlan& Plan, FReferencerFix& Referencer, std::string_view BackupDir);
 	void DeleteUnused(FRedirectorPlan& Plan, std::string_view BackupDir);
+	std::string WhatIsUnread() const;
+	void LeaveAloneForUnread(FRedirectorPlan& Plan) const;
+	FQVName FindReferencer(FQVName Redirector, const FQVNameSet& Gone) const;
+	void Delete(FRedirectorFix& Fix, std::string_view BackupDir) const;
 	static void HoldBack(FRedirectorPlan& Plan, const FReferencerFix& Referencer);
 };
 } // namespace QVStandalone

@@ -79,6 +79,73 @@ TEST_F(FRedirectors, FailsWhenThereIsNothingToFixOrNoTelling)
 		<< "nothing was loaded";
 }
 
+TEST_F(FRedirectors, NothingIsChangedWhereTheirEndIsNotKnown)
+{
+	Project.AddMod("Cave", {});
+	PutMap("/Cave/Hall", {"/Game/LoopA", "soft /Game/LoopB", "/Game/Broken", "/Game/Own"});
+	PutRedirector("/Game/LoopA", "/Game/LoopB");
+	PutRedirector("/Game/LoopB", "/Game/LoopA");
+	PutRedirector("/Game/Broken", "/Game/Link");
+	PutRedirector("/Game/Link", "/Game/Nowhere");
+	PutRedirector("/Game/Own", "/Cave/Stone");
+	PutMesh("/Cave/Stone", {"/Game/Own"});
+	Scan();
+	const std::vector All = {
+		Redirector("/Game/LoopA", "LoopA"), Redirector("/Game/LoopB", "LoopB"), Redirector("/Game/Broken", "Broken")};
+	const std::string Before = Project.Read(FileOf("/Cave/Hall", ".umap")) + Project.Read(FileOf("/Game/LoopA"));
+	FQVText Error;
+	EXPECT_TRUE(FQVMapRedirectors::FixRedirectors(All, Error));
+	EXPECT_EQ(Project.Read(FileOf("/Cave/Hall", ".umap")) + Project.Read(FileOf("/Game/LoopA")), Before);
+	EXPECT_FALSE(Project.Exists("Saved/QVPak/Backup"));
+
+	EXPECT_TRUE(FQVMapRedirectors::FixRedirectors(std::vector{Redirector("/Game/Own", "Own")}, Error));
+	const QVStandalone::FRedirectorPlan& Done = Engine.GetAssetTools().GetLastFixup();
+	EXPECT_EQ(Done.Redirectors[0].Obstacle, "/Cave/Stone still refers to it");
+	EXPECT_EQ(Done.Referencers[1].Obstacle,
+		"it is what the redirector leads to, and would import itself: fix it in the editor");
+}
+
+TEST_F(FRedirectors, DataThatNamesOneAndContentThatNobodyReadKeepIt)
+{
+	Project.AddMod("Cave", {});
+	PutMap("/Cave/Hall", {"/Game/Old"});
+	PutRedirector("/Game/Old", "/Cave/Stone");
+	PutMesh("/Cave/Stone");
+	const std::string Hall = FileOf("/Cave/Hall", ".umap");
+	const std::string Good = Project.Read(Hall);
+	const std::vector Old = {Redirector("/Game/Old", "Old")};
+	const struct
+	{
+		std::string Tail;
+		bool bGoes;
+	} Cases[] = {{"/game/OLD", false}, {std::string("\0\0/\0G\0a\0m\0e\0/\0O\0l\0d\0.\0", 22), false},
+		{"/Game/Older", true}, {"/Other/Game/Old2", true}};
+	for (const auto& Case : Cases)
+	{
+		PutRedirector("/Game/Old", "/Cave/Stone");
+		Project.Write(Hall, Good + "text " + Case.Tail);
+		Scan();
+		FQVText Error;
+		FQVMapRedirectors::FixRedirectors(Old, Error);
+		EXPECT_EQ(Project.Exists(FileOf("/Game/Old")), !Case.bGoes) << Case.Tail;
+	}
+
+	PutRedirector("/Game/Old", "/Cave/Stone");
+	Project.Write(Hall, Good);
+	Project.Write("Plugins/Harbor/Harbor.uplugin.disabled", "{}");
+	Project.MakeFolder("Plugins/Harbor/Content");
+	Scan();
+	FQVText Error;
+	FQVMapRedirectors::FixRedirectors(Old, Error);
+	EXPECT_EQ(Project.Mask(Engine.GetAssetTools().GetLastFixup().Redirectors[0].Obstacle),
+		"what could not be read may refer to it: <Project>/Plugins/Harbor/Content belongs to no plugin that is "
+		"switched on");
+	EXPECT_EQ(Project.Read(Hall), Good);
+	Engine.GetAssetTools().GetRedirectorFixup().bDespiteUnreadable = true;
+	FQVMapRedirectors::FixRedirectors(Old, Error);
+	EXPECT_FALSE(Project.Exists(FileOf("/Game/Old")));
+}
+
 TEST_F(FRedirectors, WhatCannotBeRewrittenKeepsItsRedirector)
 {
 	Project.AddMod("Cave", {});

@@ -141,6 +141,18 @@ void FNameTableEdit::RenameUnused(std::size_t Entry)
 	}
 }
 
+/** Data that names a package next to one of its objects has the package's name follow, but not the object's. */
+void FNameTableEdit::NoteObjectsInData(std::size_t Entry, const std::string& Package)
+{
+	const FPackageRename* Rename = IsForData(Entry) ? Renames.Find(Package) : nullptr;
+	const bool bObjects = Rename != nullptr && std::any_of(Rename->Objects.begin(), Rename->Objects.end(),
+												   [](const auto& Object) { return Object.first != Object.second; });
+	if (bObjects)
+	{
+		PossiblyStale.push_back(Package);
+	}
+}
+
 void FNameTableEdit::Apply(const std::vector<FNameChange>& Changes)
 {
 	std::vector<std::vector<const FNameChange*>> UsesOf(Entries.size());
@@ -152,9 +164,11 @@ void FNameTableEdit::Apply(const std::vector<FNameChange>& Changes)
 	{
 		if (!UsesOf[Entry].empty() && CanRenameInPlace(Entry, UsesOf[Entry]))
 		{
-			const FSplitName New = SplitNameNumber(*UsesOf[Entry].front()->NewName);
+			const FNameChange& First = *UsesOf[Entry].front();
+			const FSplitName New = SplitNameNumber(*First.NewName);
 			if (New.Entry != Entries[Entry].Text)
 			{
+				NoteObjectsInData(Entry, Header.Names.Text(First.Use.Name));
 				RenameInPlace(Entry, std::string(New.Entry));
 			}
 		}

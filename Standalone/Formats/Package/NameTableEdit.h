@@ -52,6 +52,7 @@ private:
 	void ReadEntries();
 	bool IsForData(std::size_t Entry) const { return Entry < DataCount; }
 	bool CanRenameInPlace(std::size_t Entry, const std::vector<const FNameChange*>& Uses) const;
+	void NoteObjectsInData(std::size_t Entry, const std::string& Package);
 	void RenameInPlace(std::size_t Entry, std::string NewText);
 	std::uint32_t FindOrAdd(std::string_view Text);
 	/** Entries that no field of the header uses: export data may. */

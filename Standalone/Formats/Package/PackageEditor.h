@@ -14,7 +14,8 @@ struct FPackageEdit
 	bool bChanged = false;
 	/** Names and texts of the header that changed. */
 	std::size_t References = 0;
-	/** Old names that the objects' data may still hold, for their entries of the name table had to stay. */
+	/** Old names that the objects' data may still hold, since their entries of the name table had to stay, or that have
+	 * followed there without the name of the object beside them. */
 	std::vector<std::string> PossiblyStale;
 };
 

@@ -75,6 +75,7 @@ TResult<FPackageRenames> FPackageRenames::Make(std::span<const FPackageRename> R
 		{
 			return FError{"cannot be edited: " + Rename.From + " is to be renamed twice"};
 		}
+		Result.LongestOldName = std::max(Result.LongestOldName, Rename.From.size());
 	}
 	return Result;
 }
@@ -116,7 +117,9 @@ std::optional<std::string> FPackageRenames::ObjectPath(const FPackageRename& Ren
 
 bool FPackageRenames::ReplacePath(std::string_view Text, std::size_t& At, std::string& Out) const
 {
-	const std::size_t Longest = std::min(Text.find_first_of(PackageEnds, At), Text.size());
+	// no further than a name reaches that is to be replaced: a text may be long and full of likely ends
+	const std::size_t Reach = std::min(Text.size(), At + LongestOldName + 1);
+	const std::size_t Longest = std::min(Text.find_first_of(PackageEnds, At), Reach);
 	const FPackageRename* Rename = nullptr;
 	std::size_t End = Longest;
 	while (End != std::string_view::npos && End > At && (Rename = Find(Text.substr(At, End - At))) == nullptr)

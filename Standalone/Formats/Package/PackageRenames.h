@@ -43,5 +43,6 @@ private:
 	bool ReplacePath(std::string_view Text, std::size_t& At, std::string& Out) const;
 
 	std::unordered_map<std::string, const FPackageRename*> ByOldName;
+	std::size_t LongestOldName = 0;
 };
 } // namespace QVFormats

@@ -69,14 +69,19 @@ class FDependencyWalk
 public:
 	FQVDependencyResult Result;
 
-	FDependencyWalk()
+	explicit FDependencyWalk(const std::vector<FQVAssetData>& Maps)
 	{
+		FQVNameSet MapPackages;
+		for (const FQVAssetData& Map : Maps)
+		{
+			MapPackages.Add(Map.PackageName);
+		}
 		// one pass in order costs less than asking for each package when it is met
 		Registry.GetAssets({}, Assets);
 		for (const FQVAssetData& Asset : Assets)
 		{
 			const bool bFirst = Existing.Add(Asset.PackageName);
-			if (bFirst && Asset.IsRedirector())
+			if (bFirst && Asset.IsRedirector() && !MapPackages.Contains(Asset.PackageName))
 			{
 				Redirectors.Add(Asset.PackageName);
 			}
@@ -98,7 +103,7 @@ public:
 
 private:
 	const IQVAssetRegistry& Registry = *FQVEngine::Get().AssetRegistry;
-	/** Packages that have an asset; those of them whose first one is a redirector. */
+	/** Packages that have an asset; those of them whose first one is a redirector, but for the maps. */
 	FQVNameSet Existing;
 	FQVNameSet Redirectors;
 	/** Packages that were visited or wait for it. */
@@ -206,7 +211,7 @@ FQVDependencyResult FQVMapDependencyAnalyzer::AnalyzeDependencies(std::string_vi
 		return Failed(EQVLogVerbosity::Warning, QVPrintf("No maps found in plugin: %s", PluginName));
 	}
 	QVLog(EQVLogVerbosity::Log, "QVMap: Analyzing dependencies for %d map(s) in %s", Maps.size(), PluginName);
-	FDependencyWalk Walk;
+	FDependencyWalk Walk(Maps);
 	for (const FQVAssetData& Map : Maps)
 	{
 		Walk.Walk(Map.PackageName);

@@ -124,26 +124,52 @@ private:
 		if (IsInPlugin(Dependency.Package))
 		{
 			Join(Dependency.Package, Current);
-			if (InnerRedirectors.Contains(Dependency.Package))
-			{
-				FollowInnerRedirectors(Dependency.Package, Dependency.bHard);
-			}
-			return;
+			FollowInnerRedirectors(Dependency.bHard);
 		}
-		if (FQVString::StartsWithIgnoreCase(Dependency.Package.ToView(), "/Script/"))
+		else if (!FQVString::StartsWithIgnoreCase(Dependency.Package.ToView(), "/Script/"))
 		{
-			return;
+			Found(Dependency.Package, Current, Dependency.bHard);
 		}
-		std::vector<FQVName> Chain = ChainTo(Current);
-		Chain.push_back(Dependency.Package);
-		Report(MakeRecord(std::move(Chain), Dependency.bHard));
 	}
 
-	/** A redirector of the mod has joined the queue; what it leads to counts as found there. */
-	void FollowInnerRedirectors(FQVName Package, bool bHard)
+	/** A package of the mod has joined the queue. What its redirectors lead to counts as found there, and so on: what
+	 * joins in doing so is looked at in its turn. */
+	void FollowInnerRedirectors(bool bHard)
 	{
-		const auto Place = static_cast<std::uint32_t>(Queue.size() - 1);
+		for (std::size_t Place = Queue.size() - 1; Place < Queue.size(); ++Place)
+		{
+			for (const FQVName Target : TargetsIn(Queue[Place].Package))
+			{
+				if (!Target.IsNone() && !Met.Contains(Target))
+				{
+					++Result.RedirectorHops;
+					Found(Target, static_cast<std::uint32_t>(Place), bHard);
+				}
+			}
+		}
+	}
+
+	void Found(FQVName Target, std::uint32_t Place, bool bHard)
+	{
+		Met.Add(Target);
+		if (IsInPlugin(Target))
+		{
+			Join(Target, Place);
+			return;
+		}
+		std::vector<FQVName> Chain = ChainTo(Place);
+		Chain.push_back(Target);
+		Report(MakeRecord(std::move(Chain), bHard));
+	}
+
+	/** What the redirectors of a package of the mod lead to. */
+	std::vector<FQVName> TargetsIn(FQVName Package)
+	{
 		std::vector<FQVName> Targets;
+		if (!InnerRedirectors.Contains(Package))
+		{
+			return Targets;
+		}
 		Registry.GetAssetsByPackageName(Package, Assets);
 		for (const FQVAssetData& Asset : Assets)
 		{
@@ -152,38 +178,36 @@ private:
 				Targets.push_back(TargetOf(Asset));
 			}
 		}
-		for (const FQVName Target : Targets)
-		{
-			if (Target.IsNone() || Met.Contains(Target))
-			{
-				continue;
-			}
-			++Result.RedirectorHops;
-			if (IsInPlugin(Target))
-			{
-				Join(Target, Place);
-				continue;
-			}
-			Met.Add(Target);
-			std::vector<FQVName> Chain = ChainTo(Place);
-			Chain.push_back(Target);
-			Report(MakeRecord(std::move(Chain), bHard));
-		}
+		return Targets;
 	}
 
-	/** A package of the outside, met for the first time. */
+	/** A package of the outside, met for the first time. What a redirector leads to stands in for it: the redirector
+	 * itself is only in the way. */
 	void Report(FQVExternalReference Record)
 	{
-		const bool bTrusted = FQVMapSecurityScanner::IsTrustedPackagePath(Record.Package.ToView());
-		if (Record.bRedirector && !bTrusted)
+		bool bTrusted = FQVMapSecurityScanner::IsTrustedPackagePath(Record.Package.ToView());
+		while (Record.bRedirector && !bTrusted)
 		{
 			++Result.RedirectorHops;
 			Result.LeftoverRedirectors.push_back(Record);
-			if (!Record.RedirectorTarget.IsNone())
+			const FQVName Target = Record.RedirectorTarget;
+			if (Target.IsNone())
 			{
-				FollowOuterRedirector(Record);
+				break;
+			}
+			if (IsInPlugin(Target))
+			{
+				Join(Target, Current);
 				return;
 			}
+			if (!Met.Add(Target))
+			{
+				return;
+			}
+			std::vector<FQVName> Chain = std::move(Record.Chain);
+			Chain.push_back(Target);
+			Record = MakeRecord(std::move(Chain), Record.bHardReference);
+			bTrusted = FQVMapSecurityScanner::IsTrustedPackagePath(Target.ToView());
 		}
 		if (bTrusted)
 		{
@@ -192,22 +216,6 @@ private:
 		}
 		Result.UntrustedBytes += Record.SizeBytes;
 		Result.UntrustedExternal.push_back(std::move(Record));
-	}
-
-	/** What it leads to stands in for it: the redirector itself is only in the way. */
-	void FollowOuterRedirector(const FQVExternalReference& Redirector)
-	{
-		const FQVName Target = Redirector.RedirectorTarget;
-		if (IsInPlugin(Target))
-		{
-			Join(Target, Current);
-		}
-		else if (Met.Add(Target))
-		{
-			std::vector<FQVName> Chain = Redirector.Chain;
-			Chain.push_back(Target);
-			Report(MakeRecord(std::move(Chain), Redirector.bHardReference));
-		}
 	}
 
 	std::vector<FQVName> ChainTo(std::uint32_t Place) const
