@@ -18,7 +18,7 @@ constexpr std::string_view LauncherPrefix = "UE_";
 std::string EngineFolderIn(const std::string& Folder)
 {
 	const FFiles Files;
-	const std::string Inner = FQVPath::Combine(Folder, "Engine");
+	std::string Inner = FQVPath::Combine(Folder, "Engine");
 	if (Files.DirectoryExists(Inner) && !Files.DirectoryExists(FQVPath::Combine(Folder, "Binaries")))
 	{
 		return Inner;

@@ -13,7 +13,7 @@
 namespace QVStandalone
 {
 /** The thread that made it is the game thread. It lives while RunUntil is on it: that runs posted work and tickers. */
-class FGameThread : public IQVGameThread
+class FGameThread final : public IQVGameThread
 {
 public:
 	FGameThread();

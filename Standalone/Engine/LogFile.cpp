@@ -10,7 +10,7 @@ namespace QVStandalone
 {
 namespace
 {
-constexpr std::uintmax_t LargeLogBytes = 8 * 1024 * 1024;
+constexpr std::uintmax_t LargeLogBytes = std::uintmax_t{8} << 20;
 
 void SetAsideIfLarge(const std::filesystem::path& Path)
 {

@@ -10,9 +10,9 @@ using namespace QVFormats;
 namespace
 {
 /** Most headers fit; reading more costs less than asking twice. */
-constexpr std::size_t FirstRead = 16 * 1024;
+constexpr std::size_t FirstRead = std::size_t{16} << 10;
 /** A gap that is not worth a read of its own. */
-constexpr std::size_t SmallGap = 16 * 1024;
+constexpr std::size_t SmallGap = std::size_t{16} << 10;
 
 /** Where names and imports, which follow the summary, end. */
 std::size_t TablesEnd(const FPackageSummary& Summary)

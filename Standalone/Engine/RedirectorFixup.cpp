@@ -192,7 +192,7 @@ std::string FRedirectorFixup::Rewrite(
 	Referencer.References = Edit->References;
 	std::string Bytes(AsText(Edit->Header));
 	Bytes.append(AsText(Mapped->Bytes().subspan(Edit->OldHeaderBytes)));
-	const std::string Obstacle = WhatStillNames(Bytes, Renames);
+	std::string Obstacle = WhatStillNames(Bytes, Renames);
 	if (Obstacle.empty() && OutBytes != nullptr && Edit->bChanged)
 	{
 		*OutBytes = std::move(Bytes);

@@ -4,6 +4,8 @@
 #include "Standalone/Formats/Base/ByteWriter.h"
 
 #include <algorithm>
+#include <cstring>
+#include <limits>
 
 namespace QVFormats
 {
@@ -31,12 +33,13 @@ std::optional<std::string> SameNumber(std::string_view OldName, std::string_view
 }
 } // namespace
 
-FNameTableEdit::FNameTableEdit(const FPackageHeader& InHeader, const FPackageRenames& InRenames)
+FNameTableEdit::FNameTableEdit(const FPackageHeader& InHeader, const FPackageRenames& InRenames, FBytes InData)
 	: Header(InHeader)
 	, Renames(InRenames)
+	, Data(InData)
 {
 	ReadEntries();
-	const bool bDivided = Header.Summary.IsAtLeast(EUE5Version::NamesReferencedFromExportData);
+	bDivided = Header.Summary.IsAtLeast(EUE5Version::NamesReferencedFromExportData);
 	const std::int32_t Referenced = std::max(Header.Summary.NamesReferencedFromExportData, 0);
 	DataCount = bDivided ? std::min(static_cast<std::size_t>(Referenced), Entries.size()) : Entries.size();
 }
@@ -205,9 +208,31 @@ void FNameTableEdit::Repoint(const std::vector<FNameChange>& Changes)
 	}
 }
 
+/** Where the layout does not tell: whether any eight bytes of the data could be a name of this entry. */
+bool FNameTableEdit::MayBeInData(std::size_t Entry) const
+{
+	const auto Index = static_cast<std::uint32_t>(Entry);
+	std::uint32_t Field[2] = {};
+	for (std::size_t At = 0; At + sizeof(Field) <= Data.size(); ++At)
+	{
+		std::memcpy(Field, Data.data() + At, sizeof(Field));
+		if (Field[0] == Index && Field[1] <= static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::max()))
+		{
+			return true;
+		}
+	}
+	return Data.empty();
+}
+
+bool FNameTableEdit::CanDropLast() const
+{
+	const bool bUnused = !Entries.empty() && Entries.back().Uses == 0 && Entries.back().bLostUses;
+	return bUnused && (Entries.size() > DataCount || (!bDivided && !MayBeInData(Entries.size() - 1)));
+}
+
 void FNameTableEdit::DropLast()
 {
-	while (Entries.size() > DataCount && Entries.back().Uses == 0 && Entries.back().bLostUses)
+	while (CanDropLast())
 	{
 		Entries.pop_back();
 		bChanged = true;

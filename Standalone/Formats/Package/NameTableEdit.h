@@ -22,7 +22,7 @@ class FNameTableEdit
 {
 public:
 	/** Every entry in Changes has to lie in the name table. */
-	FNameTableEdit(const FPackageHeader& InHeader, const FPackageRenames& InRenames);
+	FNameTableEdit(const FPackageHeader& InHeader, const FPackageRenames& InRenames, FBytes InData);
 
 	/** Fills NewNames: what each change's field holds from now on. */
 	void Apply(const std::vector<FNameChange>& Changes);
@@ -59,10 +59,16 @@ private:
 	void RenameUnused(std::size_t Entry);
 	std::optional<std::string> NewTextOfUnused(const std::string& Text, bool& bOutStale) const;
 	void Repoint(const std::vector<FNameChange>& Changes);
+	bool MayBeInData(std::size_t Entry) const;
+	bool CanDropLast() const;
 	void DropLast();
 
 	const FPackageHeader& Header;
 	const FPackageRenames& Renames;
+	/** What lies behind the header, as far as it is at hand. */
+	const FBytes Data;
+	/** The layout tells how many entries at the table's start are used by export data. */
+	bool bDivided = false;
 	/** As many entries at the table's start are or may be used by export data. */
 	std::size_t DataCount = 0;
 	std::vector<FEntry> Entries;

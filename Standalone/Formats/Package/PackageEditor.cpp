@@ -43,9 +43,10 @@ FStatus CheckAllKnown(const FPackageHeader& Header)
 class FPackageEditor
 {
 public:
-	FPackageEditor(
-		const FPackageHeader& InHeader, const FPackageRenames& InRenames, std::string_view PackageName, bool bInAnew)
-		: Header(InHeader)
+	FPackageEditor(FBytes InFile, const FPackageHeader& InHeader, const FPackageRenames& InRenames,
+		std::string_view PackageName, bool bInAnew)
+		: File(InFile)
+		, Header(InHeader)
 		, Renames(InRenames)
 		, Self(InRenames.Find(PackageName))
 		, bAnew(bInAnew)
@@ -66,6 +67,7 @@ private:
 	void WriteNames(const FNameTableEdit& Table, const std::vector<FNameChange>& Changes);
 	void WriteNameCounts(std::size_t Count);
 
+	const FBytes File;
 	const FPackageHeader& Header;
 	const FPackageRenames& Renames;
 	const FPackageRename* Self;
@@ -210,7 +212,7 @@ FStatus FPackageEditor::EditNames()
 		const bool bSame = New && *New == Header.Names.Text(Use.Name);
 		Changes.push_back({Use, bSame ? std::nullopt : std::move(New)});
 	}
-	FNameTableEdit Table(Header, Renames);
+	FNameTableEdit Table(Header, Renames, File.subspan(std::min(File.size(), Header.Bytes.size())));
 	Table.Apply(Changes);
 	WriteNames(Table, Changes);
 	Result.PossiblyStale = std::move(Table.PossiblyStale);
@@ -270,7 +272,7 @@ TResult<FPackageEdit> EditPackage(
 		return Checked.Error();
 	}
 	const TResult<FPackageHeader> Header = ReadPackageHeader(File);
-	return Header ? FPackageEditor(*Header, *Checked, PackageName, bAnew).Edit()
+	return Header ? FPackageEditor(File, *Header, *Checked, PackageName, bAnew).Edit()
 				  : TResult<FPackageEdit>(Header.Error());
 }
 } // namespace

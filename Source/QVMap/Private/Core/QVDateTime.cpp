@@ -91,9 +91,9 @@ struct FScanner
 		}
 		const bool bAhead = Mark('+');
 		bFailed = bFailed || (!bAhead && !Mark('-'));
-		const int Hours = Number(2);
+		const std::int64_t Hours = Number(2);
 		Mark(':');
-		const int Minutes = Rest.empty() ? 0 : Number(2);
+		const std::int64_t Minutes = Rest.empty() ? 0 : Number(2);
 		return (bAhead ? 1 : -1) * (Hours * 3600 + Minutes * 60);
 	}
 };
@@ -161,7 +161,7 @@ bool FQVDateTime::ParseIso8601(std::string_view Text, FQVDateTime& Out)
 		return false;
 	}
 	const std::int64_t Days = std::chrono::sys_days{Date}.time_since_epoch().count();
-	Out = FromUnixSeconds(Days * SecondsPerDay + Time[0] * 3600 + Time[1] * 60 + Time[2] - Zone);
+	Out = FromUnixSeconds(Days * SecondsPerDay + Time[0] * INT64_C(3600) + Time[1] * INT64_C(60) + Time[2] - Zone);
 	Out.Ticks += Fraction;
 	return true;
 }

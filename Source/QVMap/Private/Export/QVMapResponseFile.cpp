@@ -170,7 +170,7 @@ std::string FQVMapPacker::GenerateResponseFile(const std::string& PluginName, co
 	Result.FilesPacked = static_cast<std::int32_t>(List.Lines.size());
 	Result.FilesSkipped = List.Skipped;
 
-	const std::string Path = FQVPath::Combine(FQVMapPaths::GetTempDir(), QVPrintf("%s_filelist.txt", PluginName));
+	std::string Path = FQVPath::Combine(FQVMapPaths::GetTempDir(), QVPrintf("%s_filelist.txt", PluginName));
 	FQVMapPaths::EnsureDirectory(FQVMapPaths::GetTempDir());
 	if (!FQVEngine::Get().Files->SaveStringToFile(FQVString::Join(List.Lines, "\n"), Path))
 	{
