@@ -78,8 +78,7 @@ std::string FQVMapPipeline::WriteExportLog(const std::string& ModName, std::int3
 	AppendOutput(Text, "PAK Log:", PakLog);
 
 	FQVMapPaths::EnsureDirectory(FQVMapPaths::GetLogsDir());
-	std::string Path =
-		FQVPath::Combine(FQVMapPaths::GetLogsDir(), QVPrintf("%s_%s.log", ModName, Now.ToFileStamp()));
+	std::string Path = FQVPath::Combine(FQVMapPaths::GetLogsDir(), QVPrintf("%s_%s.log", ModName, Now.ToFileStamp()));
 	if (!FQVEngine::Get().Files->SaveStringToFile(Text, Path))
 	{
 		QVLog(EQVLogVerbosity::Warning, "QVMap: Failed to write export log: %s", Path);
