@@ -12,6 +12,7 @@ namespace
 {
 /** Of a pak of 20,000 files. A larger index is read as it is met. */
 constexpr std::uint64_t UsualIndexBytes = 1 << 20;
+constexpr std::uint64_t FooterPageBytes = 4096;
 } // namespace
 
 TResult<FPakReader> FPakReader::Open(const std::filesystem::path& Path, EPakIndexHashes Hashes)
@@ -22,6 +23,7 @@ TResult<FPakReader> FPakReader::Open(const std::filesystem::path& Path, EPakInde
 		return Mapped.Error();
 	}
 	const std::uint64_t Size = Mapped->Bytes().size();
+	Mapped->WillRead(Size - std::min(Size, FooterPageBytes)); // what is needed first is to come first
 	Mapped->WillRead(Size - std::min(Size, UsualIndexBytes));
 	TResult<FPakReader> Reader = FromMemory(Mapped->Bytes(), PathText(Path), Hashes);
 	if (Reader)
