@@ -48,8 +48,9 @@ FStatus CheckNames(const FPackageRename& Rename)
 	{
 		if (!IsObjectName(Old) || !IsObjectName(New))
 		{
-			return FError{"cannot be edited: an object of " + Rename.From + " cannot go from the name '" + Old +
-						  "' to '" + New + "'"};
+			std::string Message = "cannot be edited: an object of ";
+			Message.append(Rename.From).append(" cannot go from the name '").append(Old);
+			return FError{Message.append("' to '").append(New).append("'")};
 		}
 	}
 	return Success();
