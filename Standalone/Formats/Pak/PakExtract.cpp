@@ -119,7 +119,7 @@ public:
 
 	FStatus Run()
 	{
-		const FStatus Written = Entry.Method == 0 ? WritePlain() : WriteBlocks();
+		FStatus Written = Entry.Method == 0 ? WritePlain() : WriteBlocks();
 		if (!Written)
 		{
 			return Written;

@@ -104,7 +104,7 @@ FStatus FPakPayload::Read(const FPakReader& Reader, const FPakEntry& Entry)
 	{
 		return FError{"the record's head is damaged: its block count does not fit into it"};
 	}
-	const FStatus Fields = CompareFields(Record, Entry);
+	FStatus Fields = CompareFields(Record, Entry);
 	if (!Fields || Entry.Method == 0)
 	{
 		Blocks.clear();

@@ -176,7 +176,7 @@ bool FPakRecordWriter::Finish(const FJob& Job, FSlot& Slot)
 
 FStatus FPakRecordWriter::FinishFiles(const FJob& Job, FSlot& Slot)
 {
-	const FStatus Status = Out.WriteAt(Position, FBytes(Slot.Buffer.Data.get(), Slot.Used));
+	FStatus Status = Out.WriteAt(Position, FBytes(Slot.Buffer.Data.get(), Slot.Used));
 	for (std::size_t Index = 0; Status && Index < Job.Count; ++Index)
 	{
 		Slot.Files[Index].Offset += Position;
@@ -227,7 +227,7 @@ FStatus FPakRecordWriter::FinishLargeFile(std::size_t Number)
 	Result.Hash = LargeHash.Finish();
 	FByteWriter Head;
 	Result.Record(0).Write(Head);
-	const FStatus Status = Out.WriteAt(Result.Offset, Head.Bytes());
+	FStatus Status = Out.WriteAt(Result.Offset, Head.Bytes());
 	ReportFile();
 	return Status;
 }

@@ -43,7 +43,7 @@ FStatus WriteTables(FOutputFile& Out, const FPakIndexBytes& Tables, FPakWriteSum
 	const std::vector<std::byte> Footer = FooterBytes(Tables, Offset, Summary.CompressedFiles > 0);
 	for (const auto* Part : {&Tables.Index, &Tables.PathHashIndex, &Tables.DirectoryIndex, &Footer})
 	{
-		const FStatus Status = Out.WriteAt(Offset, *Part);
+		FStatus Status = Out.WriteAt(Offset, *Part);
 		if (!Status)
 		{
 			return Status;

@@ -254,7 +254,7 @@ void FStateReader::Packages()
 
 FStatus FStateReader::Read()
 {
-	if (const FStatus Status = ReadStart(In); !Status)
+	if (FStatus Status = ReadStart(In); !Status)
 	{
 		return Status;
 	}
@@ -298,7 +298,7 @@ std::string FAssetRegistryState::ValueText(const FRegistryTag& Tag) const
 		break;
 	}
 	const FRegistryPath& Path = PathValues[Tag.Index];
-	const std::string Object = Text(Path.Package) + (Path.Object == NoName ? "" : "." + Text(Path.Object));
+	std::string Object = Text(Path.Package) + (Path.Object == NoName ? "" : "." + Text(Path.Object));
 	if (Path.ClassName == NoName)
 	{
 		return Object;
@@ -311,7 +311,7 @@ TResult<FAssetRegistryState> ReadAssetRegistry(FBytes File)
 {
 	FAssetRegistryState State;
 	FStateReader Reader(File, State);
-	if (const FStatus Status = Reader.Read(); !Status)
+	if (FStatus Status = Reader.Read(); !Status)
 	{
 		return Status.Error();
 	}
