@@ -41,6 +41,7 @@ struct FCommandLine
 
 /** Each adds its verb, with its options, to the line. */
 void AddBaseReleaseVerb(FCommandLine& Line);
+void AddCheckVerb(FCommandLine& Line);
 void AddInspectVerb(FCommandLine& Line);
 void AddMapsVerb(FCommandLine& Line);
 void AddPackVerb(FCommandLine& Line);
@@ -49,4 +50,5 @@ void AddRedirectorsVerb(FCommandLine& Line);
 void AddReferencesVerb(FCommandLine& Line);
 void AddSampleVerb(FCommandLine& Line);
 void AddSettingsVerb(FCommandLine& Line);
+void AddSetupVerb(FCommandLine& Line);
 } // namespace QVCli

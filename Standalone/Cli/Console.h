@@ -43,6 +43,8 @@ public:
 	void Result(std::string_view Line);
 	/** A whole JSON document. */
 	void Document(const FQVJson& Json);
+	/** The document went where the user wanted it, by another way. */
+	void MarkDocumentShown() { bDocumentShown = true; }
 	/** After a failure that came before there was a result: whoever asked for JSON gets a document all the same. */
 	void EnsureDocument();
 

@@ -57,6 +57,7 @@ EExitCode ReportWrongUse(FCommandLine& Line, const CLI::ParseError& Error)
 void AddVerbs(FCommandLine& Line)
 {
 	AddMapsVerb(Line);
+	AddCheckVerb(Line);
 	AddBaseReleaseVerb(Line);
 	AddPackVerb(Line);
 	AddReferencesVerb(Line);
@@ -64,6 +65,7 @@ void AddVerbs(FCommandLine& Line)
 	AddPakVerb(Line);
 	AddInspectVerb(Line);
 	AddSettingsVerb(Line);
+	AddSetupVerb(Line);
 	AddSampleVerb(Line);
 }
 

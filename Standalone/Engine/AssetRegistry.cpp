@@ -107,6 +107,12 @@ void FAssetRegistry::GetReferencers(FQVName Package, std::vector<FQVName>& Out) 
 	}
 }
 
+void FAssetRegistry::GetExternalPackages(FQVName Map, std::vector<FQVName>& Out) const
+{
+	Out.clear();
+	Externals.AppendTo(Map, Packages->Graph, Out);
+}
+
 std::optional<std::int64_t> FAssetRegistry::GetPackageSize(FQVName Package) const
 {
 	const std::uint32_t Row = Packages->Graph.FindRow(Package);
@@ -117,6 +123,15 @@ std::string FAssetRegistry::GetPackageFile(FQVName Package) const
 {
 	const std::uint32_t Row = Packages->Graph.FindRow(Package);
 	return Row != FPackageGraph::NoRow ? Packages->PathAt(Row) : std::string();
+}
+
+void FAssetRegistry::GetUnreadablePackages(std::vector<FQVUnreadablePackage>& Out) const
+{
+	Out.clear();
+	for (const FUnreadablePackage& Each : Packages->Unreadable)
+	{
+		Out.push_back({Each.File, Each.Reason});
+	}
 }
 
 bool FAssetRegistry::GetTagValue(const FQVAssetData& Asset, std::string_view Tag, std::string& Out) const

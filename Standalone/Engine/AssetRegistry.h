@@ -44,9 +44,12 @@ public:
 		std::span<const FQVName> OfPackages, EQVDependencyQuery Query, FQVDependencyLists& Out) const override;
 	void GetReferencers(FQVName Package, std::vector<FQVName>& Out) const override;
 	std::optional<std::int64_t> GetPackageSize(FQVName Package) const override;
+	void GetUnreadablePackages(std::vector<FQVUnreadablePackage>& Out) const override;
 	/** Reads the package's header: tags are not kept. */
 	bool GetTagValue(const FQVAssetData& Asset, std::string_view Tag, std::string& Out) const override;
 
+	/** Replaces Out: the packages of a map's actors and other objects in files of their own, by their place. */
+	void GetExternalPackages(FQVName Map, std::vector<FQVName>& Out) const;
 	std::size_t GetPackageCount() const { return Packages->Graph.Num(); }
 	/** Full path of a package's file; empty if the package is not known. */
 	std::string GetPackageFile(FQVName Package) const;

@@ -65,7 +65,8 @@ void FExternalPackages::AddBelow(const FPackageGraph& Graph, const std::string& 
 	}
 }
 
-void FExternalPackages::AppendTo(FQVName Map, const FPackageGraph& Graph, std::vector<FQVPackageDependency>& Out) const
+template<class TAdd>
+void FExternalPackages::ForEachOf(FQVName Map, const FPackageGraph& Graph, TAdd Add) const
 {
 	if (!Owners.Contains(Map))
 	{
@@ -75,8 +76,18 @@ void FExternalPackages::AppendTo(FQVName Map, const FPackageGraph& Graph, std::v
 	{
 		for (std::uint32_t Row = Rows.first; Row < Rows.second; ++Row)
 		{
-			Out.push_back({Graph.NameAt(Row), false, true});
+			Add(Graph.NameAt(Row));
 		}
 	}
+}
+
+void FExternalPackages::AppendTo(FQVName Map, const FPackageGraph& Graph, std::vector<FQVPackageDependency>& Out) const
+{
+	ForEachOf(Map, Graph, [&Out](FQVName Package) { Out.push_back({Package, false, true}); });
+}
+
+void FExternalPackages::AppendTo(FQVName Map, const FPackageGraph& Graph, std::vector<FQVName>& Out) const
+{
+	ForEachOf(Map, Graph, [&Out](FQVName Package) { Out.push_back(Package); });
 }
 } // namespace QVStandalone

@@ -22,6 +22,8 @@ public:
 
 	/** Adds them behind what the map itself refers to, soft and used in the game. */
 	void AppendTo(FQVName Map, const FPackageGraph& Graph, std::vector<FQVPackageDependency>& Out) const;
+	/** Adds their names, in order. */
+	void AppendTo(FQVName Map, const FPackageGraph& Graph, std::vector<FQVName>& Out) const;
 
 private:
 	/** Rows, the last one not included. */
@@ -31,6 +33,8 @@ private:
 	FQVNameSet Owners;
 	std::unordered_map<FQVName, std::vector<FRows>> RowsOf;
 
+	template<class TAdd>
+	void ForEachOf(FQVName Map, const FPackageGraph& Graph, TAdd Add) const;
 	void AddBelow(const FPackageGraph& Graph, const std::string& Root, std::string_view Marker);
 };
 } // namespace QVStandalone

@@ -9,6 +9,7 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	: Project(ProjectFile, EngineDir)
 	, Plugins(ProjectFile, EngineDir)
 	, Packages(Project.ProjectDir(), EngineDir, Plugins)
+	, Classes(Packages, Plugins)
 	, AssetRegistry(Project.ProjectDir(), Packages, GameThread)
 	, AssetTools(AssetRegistry, Packages, Project.ProjectDir())
 {
@@ -16,6 +17,7 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	std::setlocale(LC_CTYPE, "C.UTF-8");
 	Interfaces.AssetRegistry = &AssetRegistry;
 	Interfaces.AssetTools = &AssetTools;
+	Interfaces.Classes = &Classes;
 	Interfaces.Clock = &Clock;
 	Interfaces.Dialogs = &Dialogs;
 	Interfaces.Editor = &Editor;
@@ -33,5 +35,18 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 FStandaloneEngine::~FStandaloneEngine()
 {
 	FQVEngine::Install(nullptr);
+}
+
+QVFormats::FStatus FStandaloneEngine::OpenMap(std::string_view PackageName, const FOpenMapOptions& Options)
+{
+	Editor.SetOpenWorld(nullptr);
+	Classes.Forget(); // the open world's were among them
+	auto World = FWorld::Open({AssetRegistry, Packages, Classes}, PackageName, Options);
+	if (!World)
+	{
+		return World.Error();
+	}
+	Editor.SetOpenWorld(std::move(*World));
+	return QVFormats::Success();
 }
 } // namespace QVStandalone

@@ -4,6 +4,7 @@
 #include "Engine/QVEngine.h"
 #include "Standalone/Engine/AssetRegistry.h"
 #include "Standalone/Engine/AssetTools.h"
+#include "Standalone/Engine/Classes.h"
 #include "Standalone/Engine/Clock.h"
 #include "Standalone/Engine/Editor.h"
 #include "Standalone/Engine/Files.h"
@@ -37,6 +38,12 @@ public:
 	const FPackages& GetPackages() const { return Packages; }
 	const FPlugins& GetPlugins() const { return Plugins; }
 
+	/**
+	 * Opens a map of a scanned project as the editor's world, in place of what was open; on failure nothing is open.
+	 * The error says which file cannot be read, and why.
+	 */
+	QVFormats::FStatus OpenMap(std::string_view PackageName, const FOpenMapOptions& Options = {});
+
 	/** The interfaces, to be exchanged one by one: a test puts its own in front of ours. */
 	FQVEngine Interfaces;
 
@@ -44,6 +51,7 @@ private:
 	FProject Project;
 	FPlugins Plugins;
 	FPackages Packages;
+	FClasses Classes;
 	FClock Clock;
 	FNoDialogs Dialogs;
 	FEditor Editor;

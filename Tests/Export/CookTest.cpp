@@ -29,7 +29,7 @@ protected:
 	}
 };
 
-class FWatchingEditor : public IQVEditor
+class FWatchingEditor : public QVStandalone::FEditor
 {
 public:
 	std::function<void()> OnFinish;

@@ -140,8 +140,10 @@ void FPackageWriter::Exports()
 		Out.I64(static_cast<std::int64_t>(Export.Data.size()));
 		SerialOffsetFields.push_back(Out.Position());
 		Out.I64(0);
-		Out.Zeros(
-			6 * sizeof(std::uint32_t)); // forced, not for client, not for server, inherited, flags, not always loaded
+		Out.Bool32(false);					  // forced
+		Out.Bool32(Export.bEditorOnly);		  // not for client
+		Out.Bool32(Export.bEditorOnly);		  // not for server
+		Out.Zeros(3 * sizeof(std::uint32_t)); // inherited, flags, not always loaded
 		Out.Bool32(Export.bAsset);
 		Out.Bool32(false); // public hash
 		Out.I32(-1);	   // no preload dependencies

@@ -32,6 +32,8 @@ struct FExportSpec
 	std::int64_t ScriptEnd = 0;
 	/** Its row of the depends map. */
 	std::vector<FPackageIndex> DependsOn;
+	/** Neither a client's game nor a server's gets it. */
+	bool bEditorOnly = false;
 };
 
 struct FSoftPathSpec

@@ -2,6 +2,7 @@
 #include "Standalone/Formats/Package/SamplePackages.h"
 
 #include "Standalone/Formats/Base/ByteWriter.h"
+#include "Standalone/Formats/Package/ImportList.h"
 
 #include <algorithm>
 
@@ -9,8 +10,6 @@ namespace QVFormats
 {
 namespace
 {
-constexpr std::string_view CoreUObject = "/Script/CoreUObject";
-constexpr std::string_view EngineModule = "/Script/Engine";
 
 /** Positions in the name table of the names that export data uses; sorted as the engine sorts them. */
 enum class EDataName : std::int32_t
@@ -66,59 +65,12 @@ void WriteIndices(FByteWriter& Out, const std::vector<FPackageIndex>& Indices)
 	Out.Append(std::as_bytes(std::span(Indices)));
 }
 
-/** Imports of a package in the making, each once. */
-class FImports
+FPackageIndex AddReference(FImportList& Imports, const FHardReference& Reference)
 {
-public:
-	explicit FImports(FPackageSpec& InSpec)
-		: Spec(InSpec)
-	{
-	}
-
-	FPackageIndex Package(std::string_view Name, bool bUsedInGame = true)
-	{
-		return Object({std::string(CoreUObject), "Package", std::string(Name), {}, bUsedInGame});
-	}
-	FPackageIndex Class(std::string_view ClassPath);
-	FPackageIndex Reference(const FHardReference& Reference);
-
-private:
-	FPackageIndex Object(FImportSpec Import);
-
-	FPackageSpec& Spec;
-};
-
-FPackageIndex FImports::Object(FImportSpec Import)
-{
-	const auto Known = std::find_if(Spec.Imports.begin(), Spec.Imports.end(),
-		[&Import](const FImportSpec& Each)
-		{ return Each.ObjectName == Import.ObjectName && Each.Outer == Import.Outer; });
-	const auto Index = static_cast<std::size_t>(Known - Spec.Imports.begin());
-	if (Known == Spec.Imports.end())
-	{
-		Spec.Imports.push_back(std::move(Import));
-	}
-	else
-	{
-		Known->bUsedInGame |= Import.bUsedInGame;
-	}
-	return FPackageIndex::Import(Index);
-}
-
-FPackageIndex FImports::Class(std::string_view ClassPath)
-{
-	const bool bNative = ClassPath.starts_with("/Script/");
-	const FPackageIndex Outer = Package(ClassPath.substr(0, ClassPath.rfind('.')));
-	return Object({std::string(bNative ? CoreUObject : EngineModule), bNative ? "Class" : "BlueprintGeneratedClass",
-		std::string(AfterLast(ClassPath, '.')), Outer});
-}
-
-FPackageIndex FImports::Reference(const FHardReference& Reference)
-{
-	const FPackageIndex Outer = Package(Reference.Package, Reference.bUsedInGame);
-	return Reference.Object.empty()
-			   ? Outer
-			   : Object({Reference.ClassPackage, Reference.ClassName, Reference.Object, Outer, Reference.bUsedInGame});
+	const FPackageIndex Outer = Imports.Package(Reference.Package, Reference.bUsedInGame);
+	return Reference.Object.empty() ? Outer
+									: Imports.Object({Reference.ClassPackage, Reference.ClassName, Reference.Object,
+										  Outer, Reference.bUsedInGame});
 }
 
 void AddSoftPackages(FPackageSpec& Spec, const std::vector<std::string>& Packages)
@@ -129,12 +81,12 @@ void AddSoftPackages(FPackageSpec& Spec, const std::vector<std::string>& Package
 	}
 }
 
-std::vector<FPackageIndex> AddReferences(FImports& Imports, const std::vector<FHardReference>& References)
+std::vector<FPackageIndex> AddReferences(FImportList& Imports, const std::vector<FHardReference>& References)
 {
 	std::vector<FPackageIndex> Objects;
 	for (const FHardReference& Each : References)
 	{
-		const FPackageIndex Index = Imports.Reference(Each);
+		const FPackageIndex Index = AddReference(Imports, Each);
 		if (!Each.Object.empty())
 		{
 			Objects.push_back(Index);
@@ -203,12 +155,12 @@ void FillActor(FExportSpec& Export)
 	Export.Data = Out.Release();
 }
 
-void AddMapExports(FPackageSpec& Spec, FImports& Imports, const FWorldPackageSpec& World)
+void AddMapExports(FPackageSpec& Spec, FImportList& Imports, const FWorldPackageSpec& World)
 {
 	const FPackageIndex Level = FPackageIndex::Export(LevelExport);
 	const auto Add = [&Spec](FPackageIndex Class, FPackageIndex Outer, std::string Name)
 	{
-		Spec.Exports.push_back({Class, {}, Outer, std::move(Name), InnerFlags, false, {}, 0, {}});
+		Spec.Exports.push_back({Class, {}, Outer, std::move(Name), InnerFlags, false, {}, 0, {}, false});
 		return FPackageIndex::Export(Spec.Exports.size() - 1);
 	};
 	Add(Imports.Class("/Script/Engine.World"), {}, std::string(AfterLast(World.PackageName, '/')));
@@ -247,7 +199,7 @@ std::vector<std::byte> BuildWorldPackage(const FWorldPackageSpec& World)
 	Spec.PackageName = World.PackageName;
 	Spec.Flags = static_cast<std::uint32_t>(EPackageFlags::ContainsMap);
 	Spec.DataNames.assign(std::begin(DataNames), std::end(DataNames));
-	FImports Imports(Spec);
+	FImportList Imports(Spec);
 	AddMapExports(Spec, Imports, World);
 	const std::vector<FPackageIndex> Objects = AddReferences(Imports, World.HardReferences);
 	AddSoftPackages(Spec, World.SoftPackages);
@@ -266,7 +218,7 @@ std::vector<std::byte> BuildAssetPackage(const FAssetPackageSpec& Asset)
 	FPackageSpec Spec;
 	Spec.PackageName = Asset.PackageName;
 	Spec.DataNames.emplace_back(DataNames[0]);
-	FImports Imports(Spec);
+	FImportList Imports(Spec);
 	FExportSpec Export;
 	Export.Class = Imports.Class(Asset.ClassPath);
 	Export.ObjectName = AfterLast(Asset.PackageName, '/');

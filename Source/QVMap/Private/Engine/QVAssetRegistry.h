@@ -74,6 +74,15 @@ struct FQVDependencyLists
 	}
 };
 
+/** A file that the registry should know and does not. */
+struct FQVUnreadablePackage
+{
+	/** Full path. */
+	std::string File;
+	/** To be put behind the file's name: "is a Git LFS pointer: fetch the file with git lfs pull". */
+	std::string Reason;
+};
+
 enum class EQVDependencyQuery : std::uint8_t
 {
 	All,
@@ -108,6 +117,8 @@ public:
 	virtual void GetReferencers(FQVName Package, std::vector<FQVName>& Out) const = 0;
 	/** Package data: bytes on disk. */
 	virtual std::optional<std::int64_t> GetPackageSize(FQVName Package) const = 0;
+	/** Files, and folders, that could not be read; in their order. */
+	virtual void GetUnreadablePackages(std::vector<FQVUnreadablePackage>& Out) const = 0;
 	/** False if the asset has no such tag. Tags' names heed no case. */
 	virtual bool GetTagValue(const FQVAssetData& Asset, std::string_view Tag, std::string& Out) const = 0;
 };

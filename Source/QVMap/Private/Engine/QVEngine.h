@@ -3,6 +3,7 @@
 
 class IQVAssetRegistry;
 class IQVAssetTools;
+class IQVClasses;
 class IQVClock;
 class IQVDialogs;
 class IQVEditor;
@@ -14,6 +15,7 @@ class IQVPlugins;
 class IQVProcesses;
 class IQVProject;
 class IQVRegistryFile;
+class IQVSlowTasks;
 
 /**
  * The engine that the toolkit runs in. Whoever starts the program fills one and installs it once, before any other
@@ -23,6 +25,7 @@ struct FQVEngine
 {
 	IQVAssetRegistry* AssetRegistry = nullptr;
 	IQVAssetTools* AssetTools = nullptr;
+	IQVClasses* Classes = nullptr;
 	IQVClock* Clock = nullptr;
 	IQVDialogs* Dialogs = nullptr;
 	IQVEditor* Editor = nullptr;
@@ -34,6 +37,8 @@ struct FQVEngine
 	IQVProcesses* Processes = nullptr;
 	IQVProject* Project = nullptr;
 	IQVRegistryFile* RegistryFile = nullptr;
+	/** May stay null: then nobody watches slow tasks, and nobody cancels them. */
+	IQVSlowTasks* SlowTasks = nullptr;
 
 	static const FQVEngine& Get();
 	/** Null uninstalls. The engine is not copied. */

@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+#include "Tests/Cli/CheckSupport.h"
+
+#include <map>
+#include <set>
+
+using namespace QVTest;
+using FJson = nlohmann::json;
+namespace fs = std::filesystem;
+using FCheckFormats = FCheckTest;
+
+namespace
+{
+std::size_t CountOf(std::string_view Text, std::string_view Needle)
+{
+	std::size_t Found = 0;
+	for (std::size_t At = Text.find(Needle); At != std::string_view::npos; At = Text.find(Needle, At + 1))
+	{
+		++Found;
+	}
+	return Found;
+}
+
+int Rank(const FJson& Finding)
+{
+	const std::string Severity = Finding.at("severity");
+	return Severity == "error" ? 3 : Severity == "warning" ? 2 : Severity == "info" ? 1 : 0;
+}
+
+void ExpectFinding(const FJson& Finding)
+{
+	std::set<std::string> Keys;
+	for (const auto& [Key, Value] : Finding.items())
+	{
+		Keys.insert(Key);
+	}
+	EXPECT_EQ(Keys, (std::set<std::string>{
+						"group", "id", "severity", "title", "detail", "remedy", "command", "action", "children"}));
+	EXPECT_FALSE(Finding.at("id").get<std::string>().empty());
+	EXPECT_TRUE(Rank(Finding) > 0 || Finding.at("remedy") == "") << Finding;
+	for (const FJson& Child : Finding.at("children"))
+	{
+		ExpectFinding(Child);
+		EXPECT_EQ(Child.at("group"), Finding.at("group"));
+	}
+}
+
+/** What the format's schema asks of a log: required members, types, and places that exist. */
+void ExpectSarif(const FJson& Log)
+{
+	EXPECT_EQ(Log.at("version"), "2.1.0");
+	ASSERT_EQ(Log.at("runs").size(), 1U);
+	const FJson& Run = Log["runs"][0];
+	const FJson& Driver = Run.at("tool").at("driver");
+	EXPECT_TRUE(Driver.at("name").is_string());
+	std::set<std::string> Ids;
+	for (const FJson& Rule : Driver.at("rules"))
+	{
+		EXPECT_TRUE(Ids.insert(Rule.at("id")).second) << "each rule once";
+		EXPECT_TRUE(Rule.at("shortDescription").at("text").is_string());
+	}
+	const std::string Root = Run.at("originalUriBaseIds").at("ROOT").at("uri");
+	EXPECT_TRUE(Root.starts_with("file:///") && Root.ends_with("/")) << Root;
+	for (const FJson& Result : Run.at("results"))
+	{
+		EXPECT_EQ(Driver["rules"].at(Result.at("ruleIndex").get<std::size_t>()).at("id"), Result.at("ruleId"));
+		EXPECT_TRUE(Result.at("level") == "error" || Result["level"] == "warning");
+		EXPECT_FALSE(Result.at("message").at("text").get<std::string>().empty());
+		for (const FJson& Location : Result.value("locations", FJson::array()))
+		{
+			const FJson& Artifact = Location.at("physicalLocation").at("artifactLocation");
+			EXPECT_EQ(Artifact.at("uriBaseId"), "ROOT");
+			const std::string Uri = Artifact.at("uri");
+			EXPECT_EQ(Uri.find_first_of(" <>\"\\"), std::string::npos) << Uri;
+			EXPECT_FALSE(Uri.starts_with("/"));
+		}
+	}
+}
+} // namespace
+
+TEST_F(FCheckFormats, DocumentIsGroupedWorstFirst)
+{
+	PutMissing(2);
+	PutDamaged(1);
+	const FJson Document = CheckJson({"Cave"}, 1);
+	EXPECT_EQ(Document["schema_version"], 1);
+	EXPECT_EQ(Document["mod"], "Cave");
+	EXPECT_EQ(Document["cancelled"], false);
+	std::map<std::string, int> Counts;
+	std::vector<std::string> Groups;
+	int Worst = 3;
+	for (const FJson& Finding : Document["findings"])
+	{
+		ExpectFinding(Finding);
+		const std::string Group = Finding["group"];
+		const bool bNew = Groups.empty() || Groups.back() != Group;
+		if (bNew)
+		{
+			Groups.push_back(Group);
+		}
+		EXPECT_LE(Rank(Finding), bNew ? 3 : Worst) << Finding;
+		Worst = Rank(Finding);
+		++Counts[Finding["severity"]];
+	}
+	EXPECT_EQ(Groups, (FWords{"environment", "map_content", "references", "last_export"}));
+	EXPECT_EQ(Document["errors"], Counts["error"]);
+	EXPECT_EQ(Document["warnings"], Counts["warning"]);
+	EXPECT_EQ(Document["notes"], Counts["info"]);
+	EXPECT_EQ(Document["passes"], Counts["pass"]);
+	EXPECT_EQ(FindById(Document, "Ref.Missing")->at("children").size(), 2U);
+	EXPECT_EQ(FindById(Document, "Ref.Unreadable")->at("children")[0]["action"]["kind"], "open_folder");
+	EXPECT_EQ(FindById(Document, "Env.BaseRelease")->at("command"), "qvmap base-release build");
+}
+
+TEST_F(FCheckFormats, SarifNamesRulesAndFilesOfTheRepository)
+{
+	PutDamaged(1);
+	FJson Log = FJson::parse(Check({"Cave", "--format", "sarif"}, 1).Out);
+	ExpectSarif(Log);
+	const auto UriOf = [&Log](const std::string& Rule)
+	{
+		for (const FJson& Result : Log["runs"][0]["results"])
+		{
+			if (Result["ruleId"] == Rule)
+			{
+				return Result["locations"][0]["physicalLocation"]["artifactLocation"]["uri"].get<std::string>();
+			}
+		}
+		return std::string("none");
+	};
+	EXPECT_EQ(UriOf("Ref.Unreadable"), "Plugins/Cave/Content/Bad%200.uasset");
+	EXPECT_EQ(UriOf("Content.LevelDoor"), "Plugins/Cave/Content/Maps/Hall.umap");
+	EXPECT_EQ(Log["runs"][0]["results"][0]["level"], "error");
+	fs::create_directories(Temp.Path() / ".git");
+	Log = FJson::parse(Check({"Cave", "--format", "sarif"}, 1).Out);
+	ExpectSarif(Log);
+	EXPECT_EQ(
+		UriOf("Content.LevelDoor"), "%D0%9F%D1%80%D0%B8%D0%BC%D0%B5%D1%80%201/Plugins/Cave/Content/Maps/Hall.umap");
+}
+
+TEST_F(FCheckFormats, AnnotationsTenOfAKindAndEscaped)
+{
+	PutMissing(14);
+	PutDamaged(12);
+	Put("Plugins/Cave/Content/A,b:c%d.uasset", "no package");
+	const std::string Out = Check({"Cave", "--format", "github"}, 1).Out;
+	EXPECT_EQ(CountOf(Out, "::error "), 10U);
+	EXPECT_EQ(CountOf(Out, "::warning "), 10U);
+	EXPECT_LT(Out.rfind("::error "), Out.find("::warning "));
+	EXPECT_NE(Out.find("file=Plugins/Cave/Content/A%2Cb%3Ac%25d.uasset,title=Packages readable::"), std::string::npos)
+		<< Out;
+	EXPECT_EQ(CountOf(Out, "\n"), 21U) << Out;
+	EXPECT_TRUE(Out.ends_with(", 5 errors not annotated, 6 warnings not annotated\n")) << Out;
+}
+
+TEST_F(FCheckFormats, PageIsOneFileAndSafe)
+{
+	Put("Plugins/Cave/Content/<script>alert(1)<&'\x1b.uasset", "no package");
+	const std::string Page = Check({"Cave", "--format", "html"}, 1).Out;
+	EXPECT_TRUE(Page.starts_with("<!DOCTYPE html>\n") && Page.ends_with("</html>\n"));
+	for (const char* Never : {"<script", "src=", "href=", "http://", "https://", "url(", "@import", "\x1b"})
+	{
+		EXPECT_EQ(Page.find(Never), std::string::npos) << Never;
+	}
+	EXPECT_NE(Page.find("&lt;script&gt;alert(1)&lt;&amp;&#39;\\x1b.uasset"), std::string::npos);
+	for (const char* Needed : {"name=\"viewport\"", "prefers-color-scheme:dark", "@media print", "lang=\"en\""})
+	{
+		EXPECT_NE(Page.find(Needed), std::string::npos) << Needed;
+	}
+	for (const char* Tag : {"article", "details", "summary", "h2", "h3", "p", "main", "ul", "li"})
+	{
+		const std::string Name = Tag;
+		EXPECT_EQ(CountOf(Page, "<" + Name + ">") + CountOf(Page, "<" + Name + " "), CountOf(Page, "</" + Name + ">"))
+			<< Tag;
+	}
+}

@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "Diagnostics/QVMapReferenceChecks.h"
+
+#include "Diagnostics/QVMapCookObstacles.h"
+#include "Tests/Diagnostics/DiagnosticsTestSupport.h"
+#include "Workspace/QVMapConfig.h"
+
+namespace
+{
+struct FReferenceChecks : QVTest::FDiagnosticsTest
+{
+	FQVDiagnosticFindings Check(const char* Mod = "Cave")
+	{
+		FQVDiagnosticOptions Options;
+		Options.ModName = Mod;
+		FQVDiagnosticFindings Findings;
+		FQVMapReferenceChecks::CheckReferences(Options, Findings);
+		for (const FQVDiagnosticFinding& Each : Findings)
+		{
+			EXPECT_EQ(Each.Category, EQVDiagCategory::References);
+			EXPECT_TRUE(Each.Id.ToView().starts_with("Ref."));
+		}
+		return Findings;
+	}
+	std::string SizeOf(const char* Package) const
+	{
+		const auto Bytes = static_cast<std::int64_t>(Project.Read(FileOf(Package)).size());
+		return FQVDiagnosticModel::FormatBytes(Bytes).ToString();
+	}
+};
+} // namespace
+
+TEST_F(FReferenceChecks, AllIsWell)
+{
+	Project.AddMod("Cave", {});
+	PutMap("/Cave/Hall", {"/Cave/A", "/Engine/Grid", "/QUARVEL/Gun", "/QUARVEL/Lamp"});
+	PutMesh("/Cave/A");
+	PutMesh("/QUARVEL/Gun");
+	PutMesh("/QUARVEL/Lamp");
+	Scan();
+	const std::size_t Longest = FQVString::ReplaceAll(
+		Project.At("Plugins/Cave/Saved/Cooked/Windows/MapWork/Plugins/Cave/Content/Hall.uasset"), "\\", "/")
+									.size();
+	EXPECT_GT(Longest, 60U);
+	std::string Text = Describe(Check());
+	const std::size_t Units = Text.find("The longest has ");
+	ASSERT_NE(Units, std::string::npos);
+	Text.replace(Units, Text.find(" characters", Units) - Units, "The longest has N");
+	EXPECT_EQ(Text, "Pass Ref.Audit\n"
+					"  RefAuditTitle: References traced\n"
+					"  RefAuditPass: 1 map(s) reach 2 package(s) of the map and 3 outside it.\n"
+					"Pass Ref.Untrusted\n"
+					"  RefUntrustedTitle: Nothing used from outside the map\n"
+					"  RefUntrustedPass: Everything the map uses is its own or part of every game.\n"
+					"Pass Ref.Missing\n"
+					"  RefMissingTitle: Referenced packages exist\n"
+					"  RefMissingPass: No reference leads to a package that is not there.\n"
+					"Pass Ref.Redirectors\n"
+					"  RefRedirectorsTitle: No leftover redirectors\n"
+					"  RefRedirectorsPass: No reference goes through a redirector outside.\n"
+					"Pass Ref.CookedPaths\n"
+					"  RefCookedPathsTitle: Cooked paths short enough for Windows\n"
+					"  RefCookedPathsPass: The longest has N characters.\n"
+					"Info Ref.Trusted\n"
+					"  RefTrustedTitle: Content that every game has\n"
+					"  RefTrustedDetail: 3 package(s): /Engine (1), /QUARVEL (2)\n"
+					"Pass Ref.Unreadable\n"
+					"  RefUnreadableTitle: Packages readable\n"
+					"  RefUnreadablePass: Every package could be read.\n");
+	EXPECT_TRUE(Check("").empty());
+}
+
+TEST_F(FReferenceChecks, WhatIsOutsideLargestFirst)
+{
+	Project.AddMod("Cave", {});
+	PutMap("/Cave/Hall", {"/Cave/Wall", "soft /Game/Small"});
+	PutMesh("/Cave/Wall", {"/Game/Large"});
+	PutMesh("/Game/Small", {}, 10);
+	PutMesh("/Game/Large", {}, 5000);
+	Scan();
+	FQVMapConfig::SetImportExternalAssets(false);
+	const std::string ChildRows = "    %s Ref.Untrusted.Hard\n"
+								  "      /Game/Large\n"
+								  "      RefUntrustedRow: Hard reference to StaticMesh, " +
+								  SizeOf("/Game/Large") +
+								  "\n/Cave/Hall > /Cave/Wall > /Game/Large\n"
+								  "      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Wall.Wall\n"
+								  "    %s Ref.Untrusted.Soft\n"
+								  "      /Game/Small\n"
+								  "      RefUntrustedRow: Soft reference to StaticMesh, " +
+								  SizeOf("/Game/Small") +
+								  "\n/Cave/Hall > /Game/Small\n"
+								  "      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Hall.Hall\n";
+	std::string Row = Describe(Check(), "Ref.Untrusted");
+	EXPECT_TRUE(Row.starts_with("Warning Ref.Untrusted\n  RefUntrustedTitle: Nothing used from outside the map\n"
+								"  RefUntrustedFail: 2 package(s) from outside the map ("));
+	EXPECT_TRUE(Row.ends_with(").\n  RefUntrustedRemedy: The game does not have them. Move them into the map's own "
+							  "folder, or turn on import_external_assets.\n" +
+							  FQVString::ReplaceAll(ChildRows, "%s", "Warning")))
+		<< Row;
+	FQVMapConfig::SetImportExternalAssets(true);
+	Row = Describe(Check(), "Ref.Untrusted");
+	EXPECT_TRUE(Row.starts_with("Info Ref.Untrusted\n"));
+	EXPECT_TRUE(Row.ends_with("RefUntrustedImported: They are copied into the map while it is packed, because "
+							  "import_external_assets is on.\n" +
+							  FQVString::ReplaceAll(ChildRows, "%s", "Info")))
+		<< Row;
+}
+
+TEST_F(FReferenceChecks, WhatIsNotThere)
+{
+	Project.AddMod("Cave", {});
+	PutMap("/Cave/Hall", {"/Cave/Gone", "soft /Game/Nowhere", "/Engine/NotLooked", "/QUARVEL/TooNew"});
+	Scan();
+	EXPECT_EQ(Describe(Check(), "Ref.Missing"),
+		"Warning Ref.Missing\n"
+		"  RefMissingTitle: Referenced packages exist\n"
+		"  RefMissingFail: 2 referenced package(s) do not exist.\n"
+		"  RefMissingRemedy: The cook leaves these references empty. Restore the packages, or open what refers to "
+		"them, clear the reference and save.\n"
+		"    Warning Ref.Missing.Soft\n"
+		"      /Game/Nowhere\n"
+		"      RefMissingRow: Soft reference\n/Cave/Hall > /Game/Nowhere\n"
+		"      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Hall.Hall\n"
+		"    Warning Ref.Missing.Own\n"
+		"      /Cave/Gone\n"
+		"      RefMissingOwnRow: Referenced by /Cave/Hall\n");
+	EXPECT_EQ(Find(Check(), "Ref.Untrusted").Severity, EQVDiagSeverity::Pass) << "what is not there is told once";
+	PutMesh("/QUARVEL/Gun");
+	Scan();
+	EXPECT_EQ(Find(Check(), "Ref.Missing").Children[1].Title.ToString(), "/QUARVEL/TooNew")
+		<< "the bridge plugin is older than the map";
+}
+
+TEST_F(FReferenceChecks, RedirectorsAndTheWayToFixThem)
+{
+	Project.AddMod("Cave", {});
+	PutMap("/Cave/Hall", {"/Game/Old"});
+	PutRedirector("/Game/Old", "/Game/New");
+	PutMesh("/Game/New");
+	Scan();
+	EXPECT_EQ(Describe(Check(), "Ref.Redirectors"),
+		"Warning Ref.Redirectors\n"
+		"  RefRedirectorsTitle: No leftover redirectors\n"
+		"  RefRedirectorsFail: 1 reference(s) go through a redirector outside the map.\n"
+		"  RefRedirectorsRemedy: The game does not have the redirectors. Fix them up and save the map.\n"
+		"  [FixRedirectors: Fix Redirectors] Custom\n"
+		"    Warning Ref.Redirectors.Leftover\n"
+		"      /Game/Old\n"
+		"      RefRedirectorRow: Leads to /Game/New\n/Cave/Hall > /Game/Old\n"
+		"      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Hall.Hall\n");
+	EXPECT_TRUE(Find(Check(), "Ref.Redirectors").ActionCallback());
+	Scan();
+	EXPECT_EQ(Find(Check(), "Ref.Redirectors").Severity, EQVDiagSeverity::Pass);
+	EXPECT_FALSE(Project.Exists(FileOf("/Game/Old")));
+}
+
+TEST_F(FReferenceChecks, FilesThatCannotBeRead)
+{
+	Project.AddMod("Cave", {"Hall"});
+	Project.Write("Content/Other.uasset", "no package");
+	Scan();
+	const std::string Row = Describe(Check(), "Ref.Unreadable");
+	EXPECT_TRUE(Row.starts_with("Warning Ref.Unreadable\n  RefUnreadableTitle: Packages readable\n"
+								"  RefUnreadableFail: 1 package(s) could not be read.\n"))
+		<< Row;
+	EXPECT_NE(Row.find("    Warning Ref.Unreadable.Other\n      <Project>/Content/Other.uasset\n"
+					   "      RefUnreadableRow: The file "),
+		std::string::npos)
+		<< Row;
+	Project.Write("Plugins/Cave/Content/Rock.uasset", "no package");
+	Scan();
+	const FQVDiagnosticFinding Finding = Find(Check(), "Ref.Unreadable");
+	EXPECT_EQ(Finding.Severity, EQVDiagSeverity::Error);
+	ASSERT_EQ(Finding.Children.size(), 2U);
+	EXPECT_EQ(Finding.Children[1].Id.ToString(), "Ref.Unreadable.Own");
+	EXPECT_EQ(Project.Mask(Finding.Children[1].ActionPath), "<Project>/Plugins/Cave/Content");
+	Project.Write("Plugins/Cave/Content/Hall.umap", "no package");
+	Scan();
+	const FQVDiagnosticFindings Findings = Check();
+	EXPECT_EQ(Describe(Findings, "Ref.Audit"),
+		"Error Ref.Audit\n  RefAuditTitle: References traced\n  No maps found in plugin: Cave\n"
+		"  RefAuditRemedy: Save a map below the plugin's Content folder, then refresh.\n");
+	EXPECT_EQ(Find(Findings, "Ref.Unreadable").Children.size(), 3U);
+}
+
+TEST_F(FReferenceChecks, CookedPathsAtWindowsLimit)
+{
+	const std::string Head = Project.At("Plugins/Cave/Saved/Cooked/Windows/MapWork/Plugins/Cave/Content/") + ".uasset";
+	std::size_t HeadUnits = 0;
+	for (const char Each : Head)
+	{
+		HeadUnits += (static_cast<unsigned char>(Each) & 0xC0) != 0x80 ? 1 : 0;
+	}
+	ASSERT_LT(HeadUnits, 250U);
+	const std::string Fits = "/Cave/" + std::string(259 - HeadUnits, 'x');
+	const FQVDiagnosticFinding Good =
+		FQVMapCookObstacles::CheckCookedPaths("Cave", {FQVName(Fits), FQVName("/Game/" + Fits)});
+	EXPECT_EQ(Describe(Good.Detail), "RefCookedPathsPass: The longest has 259 characters.");
+	const FQVDiagnosticFinding Bad = FQVMapCookObstacles::CheckCookedPaths("Cave", {FQVName(Fits + "y")});
+	EXPECT_EQ(Bad.Severity, EQVDiagSeverity::Error);
+	EXPECT_EQ(Describe(Bad.Detail), "RefCookedPathsFail: 1 cooked path(s) are too long.");
+	ASSERT_EQ(Bad.Children.size(), 1U);
+	EXPECT_TRUE(Bad.Children[0].Detail.ToString().starts_with("260 characters: "));
+}
