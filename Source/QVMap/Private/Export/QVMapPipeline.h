@@ -17,8 +17,8 @@ struct FQVMapPipeline
 	 * Blocks the calling thread, which is not the game thread, for the whole cook and pack, and touches no object of
 	 * the editor. Always leaves a record of the run behind. UsedPackages may be empty; StartMap too.
 	 */
-	static FQVExportResult ExportMod(const std::string& ModName, std::int32_t Version,
-		const FQVNameSet& UsedPackages, const FQVExportProgress& Progress, const std::string& StartMap);
+	static FQVExportResult ExportMod(const std::string& ModName, std::int32_t Version, const FQVNameSet& UsedPackages,
+		const FQVExportProgress& Progress, const std::string& StartMap);
 
 	/**
 	 * The long package name that reaches the map's file. On false OutPath holds the first candidate all the same;
