@@ -8,7 +8,6 @@
 #include "Standalone/Cli/SvgDrawing.h"
 #include "Standalone/Cli/TypedPath.h"
 #include "Standalone/EngineTools/RawFile.h"
-#include "Workspace/QVMapConfig.h"
 
 #include <span>
 
@@ -92,9 +91,7 @@ void TellNextSteps(FConsole& Console, const FReferenceReport& Report)
 	}
 	if (!Report.Audit.UntrustedExternal.empty())
 	{
-		const std::string_view Setting =
-			FQVMapConfig::GetImportExternalAssets() ? "" : ", or: qvmap settings set import_external_assets on";
-		Console.Say(QVPrintf("  fix: move what is missing in the game below /%s/%s", Report.Mod, Setting));
+		Console.Say(QVPrintf("  fix: move what is missing in the game below /%s/", Report.Mod));
 	}
 }
 

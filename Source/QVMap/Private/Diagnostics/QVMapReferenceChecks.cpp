@@ -8,7 +8,6 @@
 #include "Diagnostics/QVMapCookObstacles.h"
 #include "Diagnostics/QVMapPackageFiles.h"
 #include "Engine/QVEngine.h"
-#include "Workspace/QVMapConfig.h"
 
 #include <map>
 
@@ -87,18 +86,13 @@ FQVDiagnosticFinding CheckUntrusted(const FReferences& Untrusted)
 			Text("RefUntrustedPass", "Everything the map uses is its own or part of every game."));
 	}
 	std::int64_t Bytes = 0;
-	const bool bImported = FQVMapConfig::GetImportExternalAssets();
-	const EQVDiagSeverity Severity = bImported ? Info : Warning;
-	FQVDiagnosticFinding Finding = Make(Severity, Id, std::move(Title), {},
-		bImported
-			? Text("RefUntrustedImported",
-				  "They are copied into the map while it is packed, because import_external_assets is on.")
-			: Text("RefUntrustedRemedy", "The game does not have them. Move them into the map's own folder, or turn on "
-										 "import_external_assets."));
+	// whatever import_external_assets says: no pack brings them in yet
+	FQVDiagnosticFinding Finding = Make(Warning, Id, std::move(Title), {},
+		Text("RefUntrustedRemedy", "The game does not have them. Move them into the map's own folder."));
 	for (const FQVExternalReference& Each : Untrusted)
 	{
 		Bytes += Each.SizeBytes;
-		FQVDiagnosticFinding Child = Make(Severity, HardOrSoft(Each, "Ref.Untrusted.Hard", "Ref.Untrusted.Soft"),
+		FQVDiagnosticFinding Child = Make(Warning, HardOrSoft(Each, "Ref.Untrusted.Hard", "Ref.Untrusted.Soft"),
 			FQVText::FromString(Each.Package.ToView()),
 			Text("RefUntrustedRow", "{0} reference to {1}, {2}\n{3}", HardOrSoftWord(Each), Each.AssetClass,
 				FQVDiagnosticModel::FormatBytes(Each.SizeBytes), ChainText(Each.Chain)));
