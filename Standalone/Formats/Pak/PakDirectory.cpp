@@ -9,10 +9,6 @@ namespace QVFormats
 {
 namespace
 {
-constexpr std::int32_t DeletedPlace = std::numeric_limits<std::int32_t>::min();
-/** The least that a text takes in the file, and so a folder or a file with its number. */
-constexpr std::size_t LeastTextBytes = 4;
-constexpr std::size_t LeastItemBytes = LeastTextBytes + 4;
 /** Encoded entries are made of such words. */
 constexpr std::size_t PlaceAlignment = 4;
 
@@ -60,41 +56,6 @@ FPakDirectory::FPakDirectory(FBytes InBytes, FPakTexts InTexts, std::size_t InEn
 {
 }
 
-template<class FStep>
-bool FPakDirectory::Walk(const FStep& Step)
-{
-	FByteReader In(Bytes);
-	const std::int32_t FolderCount = In.Count(LeastItemBytes);
-	for (std::int32_t Folder = 0; Folder < FolderCount && !In.Failed(); ++Folder)
-	{
-		if (static_cast<std::size_t>(Folder) == Folders.size())
-		{
-			const std::string_view Name = Texts.Read(In);
-			Folders.push_back(Name == "/" ? std::string_view() : Name);
-		}
-		else
-		{
-			Texts.Skip(In);
-		}
-		const std::int32_t FileCount = In.Count(LeastItemBytes);
-		for (std::int32_t Number = 0; Number < FileCount; ++Number)
-		{
-			const std::size_t Name = In.Position();
-			Texts.Skip(In);
-			const std::int32_t Place = In.I32();
-			if (In.Failed())
-			{
-				return false;
-			}
-			if (Place != DeletedPlace && !Step(Name, static_cast<std::size_t>(Folder), Place))
-			{
-				return true;
-			}
-		}
-	}
-	return !In.Failed();
-}
-
 bool FPakDirectory::Scan()
 {
 	return Walk([this](std::size_t Name, std::size_t Folder, std::int32_t Place) { return Note(Name, Folder, Place); });
@@ -112,22 +73,6 @@ bool FPakDirectory::Note(std::size_t NamePosition, std::size_t Folder, std::int3
 	}
 	FileAt[Word] = {static_cast<std::uint32_t>(NamePosition), static_cast<std::uint32_t>(Folder + 1)};
 	return true;
-}
-
-void FPakDirectory::ForEach(const std::function<bool(const FPakNamedPlace&)>& Visit)
-{
-	if (!bByPlace)
-	{
-		Walk([this, &Visit](std::size_t Name, std::size_t Folder, std::int32_t) { return Visit(At(Name, Folder)); });
-		return;
-	}
-	for (const FNamePosition& Position : FileAt)
-	{
-		if (Position.Folder != 0 && !Visit(At(Position.Name, Position.Folder - 1)))
-		{
-			return;
-		}
-	}
 }
 
 FPakNamedPlace FPakDirectory::At(std::size_t NamePosition, std::size_t Folder)

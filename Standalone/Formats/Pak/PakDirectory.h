@@ -4,7 +4,7 @@
 #include "Standalone/Formats/Base/ByteReader.h"
 
 #include <deque>
-#include <functional>
+#include <limits>
 #include <string_view>
 #include <vector>
 
@@ -56,9 +56,28 @@ public:
 	/** After Scan. */
 	std::size_t FileCount() const { return Files; }
 	/** Visit gives false to stop. */
-	void ForEach(const std::function<bool(const FPakNamedPlace&)>& Visit);
+	template<class FVisit>
+	void ForEach(const FVisit& Visit)
+	{
+		if (!bByPlace)
+		{
+			Walk([&](std::size_t Name, std::size_t Folder, std::int32_t) { return Visit(At(Name, Folder)); });
+			return;
+		}
+		for (const FNamePosition& Position : FileAt)
+		{
+			if (Position.Folder != 0 && !Visit(At(Position.Name, Position.Folder - 1)))
+			{
+				return;
+			}
+		}
+	}
 
 private:
+	static constexpr std::int32_t DeletedPlace = std::numeric_limits<std::int32_t>::min();
+	/** The least that a text takes in the file, and so a folder or a file with its number. */
+	static constexpr std::size_t LeastItemBytes = 4 + 4;
+
 	/** Where a file's name stands, and in which folder. */
 	struct FNamePosition
 	{
@@ -80,4 +99,39 @@ private:
 	std::size_t Files = 0;
 	bool bByPlace = true;
 };
+
+template<class FStep>
+bool FPakDirectory::Walk(const FStep& Step)
+{
+	FByteReader In(Bytes);
+	const std::int32_t FolderCount = In.Count(LeastItemBytes);
+	for (std::int32_t Folder = 0; Folder < FolderCount && !In.Failed(); ++Folder)
+	{
+		if (static_cast<std::size_t>(Folder) == Folders.size())
+		{
+			const std::string_view Name = Texts.Read(In);
+			Folders.push_back(Name == "/" ? std::string_view() : Name);
+		}
+		else
+		{
+			Texts.Skip(In);
+		}
+		const std::int32_t FileCount = In.Count(LeastItemBytes);
+		for (std::int32_t Number = 0; Number < FileCount; ++Number)
+		{
+			const std::size_t Name = In.Position();
+			Texts.Skip(In);
+			const std::int32_t Place = In.I32();
+			if (In.Failed())
+			{
+				return false;
+			}
+			if (Place != DeletedPlace && !Step(Name, static_cast<std::size_t>(Folder), Place))
+			{
+				return true;
+			}
+		}
+	}
+	return !In.Failed();
+}
 } // namespace QVFormats

@@ -36,10 +36,16 @@ struct FSecondaryIndex
 	}
 };
 
+/** As their paths are ordered, which are put together only where one folder lies in the other. */
 bool IsBefore(const FPakEntry& A, const FPakEntry& B)
 {
-	const bool bSameFolder = A.Folder.data() == B.Folder.data() && A.Folder.size() == B.Folder.size();
-	return bSameFolder ? ComparePakPaths(A.Name, B.Name) < 0 : ComparePakPaths(A.Path(), B.Path()) < 0;
+	if (A.Folder.data() == B.Folder.data() && A.Folder.size() == B.Folder.size())
+	{
+		return ComparePakPaths(A.Name, B.Name) < 0;
+	}
+	const std::size_t Shared = std::min(A.Folder.size(), B.Folder.size());
+	const int Order = ComparePakPaths(A.Folder.substr(0, Shared), B.Folder.substr(0, Shared));
+	return Order != 0 ? Order < 0 : ComparePakPaths(A.Path(), B.Path()) < 0;
 }
 
 class FIndexParser

@@ -22,9 +22,11 @@ bool FPakIndexHashes::AreLarge() const
 
 void FPakIndexHashes::Work()
 {
-	for (std::size_t Index = Next++; Index < Count; Index = Next++)
+	// the last part is what came from the disk first
+	for (std::size_t Done = Next++; Done < Count; Done = Next++)
 	{
-		Parts[Index].Found = FSha1::Of(Parts[Index].Bytes);
+		FPart& Part = Parts[Count - 1 - Done];
+		Part.Found = FSha1::Of(Part.Bytes);
 	}
 }
 

@@ -10,9 +10,28 @@ namespace QVFormats
 {
 namespace
 {
-/** Of a pak of 20,000 files. A larger index is read as it is met. */
+/** Of a pak of 20,000 files: asked for before it is known where the index begins. */
 constexpr std::uint64_t UsualIndexBytes = 1 << 20;
 constexpr std::uint64_t FooterPageBytes = 4096;
+
+/**
+ * Asks for all that is going to be read, so that the disk works while the first of it is looked at: the footer, then
+ * the directory index, which tools put last and which is read first, then what lies before it.
+ */
+void AskForIndex(const FMappedFile& Mapped)
+{
+	const std::uint64_t Size = Mapped.Bytes().size();
+	for (const std::uint64_t Last : {FooterPageBytes, UsualIndexBytes / 2, UsualIndexBytes})
+	{
+		Mapped.WillRead(Size - std::min(Size, Last));
+	}
+	const TResult<FPakFooter> Footer = FPakFooter::Read(Mapped.Bytes(), {});
+	const std::uint64_t Asked = Size - std::min(Size, UsualIndexBytes);
+	if (Footer && Footer->IndexOffset >= 0 && static_cast<std::uint64_t>(Footer->IndexOffset) < Asked)
+	{
+		Mapped.WillRead(static_cast<std::uint64_t>(Footer->IndexOffset));
+	}
+}
 } // namespace
 
 TResult<FPakReader> FPakReader::Open(const std::filesystem::path& Path, EPakIndexHashes Hashes)
@@ -22,9 +41,7 @@ TResult<FPakReader> FPakReader::Open(const std::filesystem::path& Path, EPakInde
 	{
 		return Mapped.Error();
 	}
-	const std::uint64_t Size = Mapped->Bytes().size();
-	Mapped->WillRead(Size - std::min(Size, FooterPageBytes)); // what is needed first is to come first
-	Mapped->WillRead(Size - std::min(Size, UsualIndexBytes));
+	AskForIndex(*Mapped);
 	TResult<FPakReader> Reader = FromMemory(Mapped->Bytes(), PathText(Path), Hashes);
 	if (Reader)
 	{
