@@ -2,6 +2,7 @@
 // The audit and the analysis of a mod's references over a made-up graph of a million packages and ten million
 // references, against a bare breadth-first walk over flat integer arrays of the same graph, side by side in one run.
 // Usage: audit-benchmark [work folder] [rounds] [packages]. The work folder is removed afterwards.
+#include "Benchmarks/Timing.h"
 #include "Content/QVMapDependencyAnalyzer.h"
 #include "Content/QVMapReferenceAudit.h"
 #include "Core/QVLog.h"
@@ -9,18 +10,13 @@
 #include "Standalone/Engine/PackageGraphBuilder.h"
 #include "Standalone/Engine/StandaloneEngine.h"
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
-#include <functional>
 #include <malloc.h>
 #include <random>
-#include <unistd.h>
 
 namespace
 {
 using namespace QVStandalone;
+using namespace QVBench;
 namespace fs = std::filesystem;
 
 constexpr std::uint32_t ReferencesEach = 10;
@@ -120,13 +116,6 @@ public:
 	void ScanPathsSynchronous(std::string_view) override {}
 };
 
-double SecondsOf(const std::function<void()>& Work)
-{
-	const auto Begin = std::chrono::steady_clock::now();
-	Work();
-	return std::chrono::duration<double>(std::chrono::steady_clock::now() - Begin).count();
-}
-
 std::size_t HeapBytes()
 {
 	const struct mallinfo2 Info = ::mallinfo2();
@@ -136,30 +125,24 @@ std::size_t HeapBytes()
 void Compare(
 	const char* Title, int Rounds, const std::function<std::size_t()>& Bare, const std::function<std::size_t()>& Ours)
 {
-	double BareBest = 1e9;
-	double OursBest = 1e9;
 	std::size_t BareCount = 0;
 	std::size_t OurCount = 0;
-	for (int Round = 0; Round < Rounds; ++Round)
-	{
-		BareBest = std::min(BareBest, SecondsOf([&] { BareCount = Bare(); }));
-		OursBest = std::min(OursBest, SecondsOf([&] { OurCount = Ours(); }));
-	}
-	std::printf("%s: %.3f s for %zu packages; bare walk %.3f s for %zu; ratio %.2f\n", Title, OursBest, OurCount,
-		BareBest, BareCount, OursBest / BareBest);
+	const std::vector<FTime> Best = BestOf(Rounds, {[&] { BareCount = Bare(); }, [&] { OurCount = Ours(); }});
+	std::printf("%s: %.3f s for %zu packages; bare walk %.3f s for %zu; ratio %.2f\n", Title, Best[1].Wall, OurCount,
+		Best[0].Wall, BareCount, Best[1].Wall / Best[0].Wall);
 }
 
 void Run(const fs::path& Folder, std::uint32_t Packages, int Rounds)
 {
 	fs::create_directories(Folder / "Plugins/Cave/Content");
-	std::ofstream(Folder / "MapWork.uproject") << "{}";
+	WriteFile(Folder / "MapWork.uproject", "{}");
 	const FFlatGraph Flat = MakeFlatGraph(Packages);
 	for (std::uint32_t Package = 0; Package < Packages; ++Package)
 	{
 		NameOf(Package); // in the order of the scan, as their files come
 	}
 	FPackageGraph Graph;
-	const double Seconds = SecondsOf([&] { Graph = MakePackageGraph(Flat); });
+	const double Seconds = TimeOf([&] { Graph = MakePackageGraph(Flat); }).Wall;
 	const std::size_t Budget = std::size_t{100} * Graph.Num() + std::size_t{12} * Graph.NumReferences();
 	std::printf("%u packages, %zu references: built in %.2f s, %.1f MB; 100 bytes a package and 12 a reference would "
 				"be %.1f MB\n",
@@ -186,12 +169,9 @@ void Run(const fs::path& Folder, std::uint32_t Packages, int Rounds)
 }
 } // namespace
 
-int main(int Count, char** Arguments)
+int main(int Count, char** Words)
 {
-	const fs::path Folder = (Count > 1 ? fs::path(Arguments[1]) : fs::temp_directory_path()) /
-							("AuditBenchmark-" + std::to_string(::getpid()));
-	Run(Folder, Count > 3 ? static_cast<std::uint32_t>(std::atoi(Arguments[3])) : 1'000'000,
-		Count > 2 ? std::atoi(Arguments[2]) : 5);
-	fs::remove_all(Folder);
+	const FArguments Arguments("AuditBenchmark", Count, Words, 5);
+	Run(Arguments.Folder, Count > 3 ? static_cast<std::uint32_t>(std::atoi(Words[3])) : 1'000'000, Arguments.Rounds);
 	return 0;
 }

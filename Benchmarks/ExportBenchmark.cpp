@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Benchmarks/Timing.h"
 #include "Core/QVPath.h"
 #include "Core/QVPrintf.h"
 #include "Export/QVMapPipeline.h"
@@ -6,14 +7,7 @@
 #include "Standalone/Engine/ExecutablePath.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/StandaloneEngine.h"
-#include "Standalone/EngineTools/RawFile.h"
 #include "Standalone/Formats/Registry/AssetRegistryBuilder.h"
-
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <fstream>
 
 /**
  * What an export costs beyond its tools: the tools are this very program under their names, which return at once. Each
@@ -22,21 +16,11 @@
 namespace
 {
 namespace fs = std::filesystem;
-using FMilliseconds = std::chrono::duration<double, std::milli>;
+using namespace QVBench;
 
 constexpr int Runs = 21;
 constexpr double TwoPolls = 20.0;
 constexpr double Allowed = 60.0;
-
-void Write(const std::string& Path, std::string_view Text)
-{
-	const auto Written = QVEngineTools::WriteRawFile(Path, std::as_bytes(std::span(Text)));
-	if (!Written)
-	{
-		std::fprintf(stderr, "%s\n", Written.Error().Message.c_str());
-		std::exit(1);
-	}
-}
 
 std::string MakeRegistry()
 {
@@ -47,35 +31,36 @@ std::string MakeRegistry()
 }
 
 /** A project with one mod, a usable release, and a cooked folder where a cook does not clean up first. */
-void WriteProject(const std::string& Root)
+void WriteProject(const fs::path& Root)
 {
-	const std::string Project = FQVPath::Combine(Root, "Project");
-	Write(FQVPath::Combine(Project, "Bench.uproject"), "{}");
-	Write(FQVPath::Combine(Project, "Plugins/Cave/Cave.uplugin"), "{\"CanContainContent\": true}");
-	Write(FQVPath::Combine(Project, "Plugins/Cave/Content/Maps/Hall.umap"), "map");
-	Write(FQVPath::Combine(Project, "Releases/1.0/Windows/AssetRegistry.bin"), MakeRegistry());
-	Write(FQVPath::Combine(Project, "Saved/Cooked/Windows/Bench/Content/Mods/Cave/Maps/Hall.umap"), "map");
+	const fs::path Project = Root / "Project";
+	WriteFile(Project / "Bench.uproject", "{}");
+	WriteFile(Project / "Plugins/Cave/Cave.uplugin", "{\"CanContainContent\": true}");
+	WriteFile(Project / "Plugins/Cave/Content/Maps/Hall.umap", "map");
+	WriteFile(Project / "Releases/1.0/Windows/AssetRegistry.bin", MakeRegistry());
+	WriteFile(Project / "Saved/Cooked/Windows/Bench/Content/Mods/Cave/Maps/Hall.umap", "map");
+	const fs::path Tools = Root / "Engine/Binaries/Win64";
+	fs::create_directories(Tools);
 	for (const char* Tool : {"UnrealEditor-Cmd.exe", "UnrealPak.exe"})
 	{
-		const std::string Path = FQVPath::Combine(Root, "Engine/Binaries/Win64", Tool);
-		fs::create_directories(QVStandalone::ToOsPath(Path).parent_path());
-		fs::copy_file(QVStandalone::ToOsPath(QVStandalone::ExecutablePath()), QVStandalone::ToOsPath(Path));
+		fs::copy_file(QVStandalone::ToOsPath(QVStandalone::ExecutablePath()), Tools / Tool);
 	}
 }
 
 double TimeExport(QVStandalone::FStandaloneEngine& Engine)
 {
 	FQVExportResult Result;
-	const auto Start = std::chrono::steady_clock::now();
-	Engine.GetGameThread().RunDedicatedUntilDone(
-		[&Result] { Result = FQVMapPipeline::ExportMod("Cave", 1, {}, FQVExportProgress(), {}); });
-	const FMilliseconds Taken = std::chrono::steady_clock::now() - Start;
+	const FTime Taken = TimeOf(
+		[&]
+		{
+			Engine.GetGameThread().RunDedicatedUntilDone(
+				[&Result] { Result = FQVMapPipeline::ExportMod("Cave", 1, {}, FQVExportProgress(), {}); });
+		});
 	if (!Result.bSuccess)
 	{
-		std::fprintf(stderr, "the export failed: %s\n", Result.ErrorMessage.c_str());
-		std::exit(1);
+		Fail("the export failed: " + Result.ErrorMessage);
 	}
-	return Taken.count();
+	return 1000 * Taken.Wall;
 }
 
 int RunBenchmark()
@@ -83,7 +68,7 @@ int RunBenchmark()
 	const fs::path Root = fs::temp_directory_path() /
 						  QVPrintf("qvmap-bench-%d", std::chrono::steady_clock::now().time_since_epoch().count());
 	const std::string Folder = QVStandalone::FromOsPath(Root);
-	WriteProject(Folder);
+	WriteProject(Root);
 	std::vector<double> Times;
 	{
 		QVStandalone::FStandaloneEngine Engine(

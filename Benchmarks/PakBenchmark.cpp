@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Packing, checking and listing paks against the bare work that each cannot do without, side by side in one run.
 // Usage: PakBenchmark [work folder] [rounds]. The work folder is removed afterwards.
+#include "Benchmarks/Timing.h"
 #include "Standalone/Formats/Base/Compression.h"
 #include "Standalone/Formats/Base/InputFile.h"
 #include "Standalone/Formats/Base/OutputFile.h"
@@ -11,84 +12,19 @@
 #include "Standalone/Formats/Pak/PakVerify.h"
 #include "Standalone/Formats/Pak/PakWriter.h"
 
-#include <chrono>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <ctime>
 #include <fcntl.h>
-#include <fstream>
-#include <functional>
 #include <random>
 #include <sys/resource.h>
 #include <sys/wait.h>
-#include <unistd.h>
 #include <zlib.h>
 
 namespace
 {
 using namespace QVFormats;
+using namespace QVBench;
 namespace fs = std::filesystem;
 using FContent = std::vector<std::byte>;
-
-[[noreturn]] void Fail(const std::string& Message)
-{
-	std::fprintf(stderr, "%s\n", Message.c_str());
-	std::exit(1);
-}
-
-template<class T>
-T Need(TResult<T> Result)
-{
-	if (!Result)
-	{
-		Fail(Result.Error().Message);
-	}
-	return std::move(*Result);
-}
-
-struct FTime
-{
-	double Wall = 1e9;
-	/** Of all threads: hardly disturbed by what else runs on the machine. */
-	double Cpu = 1e9;
-};
-
-FTime TimeOf(const std::function<void()>& Work)
-{
-	const auto Begin = std::chrono::steady_clock::now();
-	const std::clock_t CpuBegin = std::clock();
-	Work();
-	return {std::chrono::duration<double>(std::chrono::steady_clock::now() - Begin).count(),
-		static_cast<double>(std::clock() - CpuBegin) / CLOCKS_PER_SEC};
-}
-
-/** Runs all of them in turn, several rounds, and keeps the best times of each. */
-std::vector<FTime> BestOf(int Rounds, const std::vector<std::function<void()>>& Works)
-{
-	std::vector<FTime> Best(Works.size());
-	for (int Round = 0; Round < Rounds; ++Round)
-	{
-		for (std::size_t Index = 0; Index < Works.size(); ++Index)
-		{
-			const FTime Time = TimeOf(Works[Index]);
-			Best[Index] = {std::min(Best[Index].Wall, Time.Wall), std::min(Best[Index].Cpu, Time.Cpu)};
-		}
-	}
-	return Best;
-}
-
-void PrintTime(const char* What, const FTime& Time)
-{
-	std::printf("  %-36s %9.4f s  (cpu %9.4f s)\n", What, Time.Wall, Time.Cpu);
-}
-
-/** What was measured, over this bare work. */
-void PrintRatio(const char* What, const FTime& Measured, const FTime& Bare)
-{
-	std::printf("  %-36s %9.4f s  (cpu %9.4f s)   ratio %.3f (cpu %.3f)\n", What, Bare.Wall, Bare.Cpu,
-		Measured.Wall / Bare.Wall, Measured.Cpu / Bare.Cpu);
-}
 
 // ---- Content ----
 
@@ -151,9 +87,7 @@ FInput MakeInput(const fs::path& Folder, const std::vector<std::size_t>& Sizes, 
 		bRandom ? FillRandom(Content, Random) : FillCompressible(Content, Random);
 		const std::string Name = "Sub" + std::to_string(Number % 97) + "/Asset_" + std::to_string(Number) + ".uexp";
 		const fs::path Source = Folder / Name;
-		fs::create_directories(Source.parent_path());
-		std::ofstream(Source, std::ios::binary)
-			.write(reinterpret_cast<const char*>(Content.data()), static_cast<std::streamsize>(Content.size()));
+		WriteFile(Source, Content);
 		Input.Sources.push_back({Source, "../../../Project/Plugins/Map/Content/" + Name, true});
 		Input.Bytes += Content.size();
 	}
@@ -343,22 +277,6 @@ void ForgetCached(const fs::path& Path)
 	::close(File);
 }
 
-/** Only Work is timed, not what makes the file cold before each run. */
-std::vector<FTime> BestOfCold(const fs::path& Path, int Rounds, const std::vector<std::function<void()>>& Works)
-{
-	std::vector<FTime> Best(Works.size());
-	for (int Round = 0; Round < Rounds; ++Round)
-	{
-		for (std::size_t Index = 0; Index < Works.size(); ++Index)
-		{
-			ForgetCached(Path);
-			const FTime Time = TimeOf(Works[Index]);
-			Best[Index] = {std::min(Best[Index].Wall, Time.Wall), std::min(Best[Index].Cpu, Time.Cpu)};
-		}
-	}
-	return Best;
-}
-
 void ListAgainstReading(const fs::path& Pak)
 {
 	const auto Offset = static_cast<std::uint64_t>(Need(FPakReader::Open(Pak)).Footer().IndexOffset);
@@ -376,7 +294,7 @@ void ListAgainstReading(const fs::path& Pak)
 		[&] { Sum += ListLength(Pak, EPakIndexHashes::Skip); },
 		[&] { Sum += ListLength(Pak, EPakIndexHashes::Check); },
 	};
-	const std::vector<FTime> Cold = BestOfCold(Pak, 20, Works);
+	const std::vector<FTime> Cold = BestOf(20, Works, [&Pak] { ForgetCached(Pak); });
 	PrintTime("list, from the disk", Cold[3]);
 	std::printf("  the index has %zu bytes (%zu)\n", ReadIndex().size(), Sum % 10);
 	PrintRatio("read its bytes from the disk", Cold[3], Cold[0]);
@@ -458,12 +376,9 @@ void Run(const fs::path& Folder, int Rounds)
 }
 } // namespace
 
-int main(int Count, char** Arguments)
+int main(int Count, char** Words)
 {
-	const fs::path Folder = (Count > 1 ? fs::path(Arguments[1]) : fs::temp_directory_path()) /
-							("PakBenchmark-" + std::to_string(::getpid()));
-	fs::create_directories(Folder);
-	Run(Folder, Count > 2 ? std::atoi(Arguments[2]) : 3);
-	fs::remove_all(Folder);
+	const FArguments Arguments("PakBenchmark", Count, Words, 3);
+	Run(Arguments.Folder, Arguments.Rounds);
 	return 0;
 }

@@ -1,92 +1,26 @@
 // SPDX-License-Identifier: MIT
 // The asset registry's scan against the bare work that it cannot do without, side by side in one run.
 // Usage: registry-benchmark [work folder] [rounds]. The work folder is removed afterwards.
+#include "Benchmarks/Timing.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/PackageHeaderBytes.h"
 #include "Standalone/Engine/StandaloneEngine.h"
 #include "Standalone/Formats/Base/Parallel.h"
 #include "Standalone/Formats/Package/SamplePackages.h"
 
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
-#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
-#include <fstream>
-#include <functional>
 #include <random>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace
 {
 using namespace QVFormats;
 using namespace QVStandalone;
+using namespace QVBench;
 namespace fs = std::filesystem;
 
-[[noreturn]] void Fail(const std::string& Message)
-{
-	std::fprintf(stderr, "%s\n", Message.c_str());
-	std::exit(1);
-}
-
-struct FTime
-{
-	double Wall = 1e9;
-	/** Of all threads: hardly disturbed by what else runs on the machine. */
-	double Cpu = 1e9;
-};
-
-FTime TimeOf(const std::function<void()>& Work)
-{
-	const auto Begin = std::chrono::steady_clock::now();
-	const std::clock_t CpuBegin = std::clock();
-	Work();
-	return {std::chrono::duration<double>(std::chrono::steady_clock::now() - Begin).count(),
-		static_cast<double>(std::clock() - CpuBegin) / CLOCKS_PER_SEC};
-}
-
-/** Runs all of them in turn, several rounds, and keeps the best times of each. Prepare is not timed. */
-std::vector<FTime> BestOf(
-	int Rounds, const std::vector<std::function<void()>>& Works, const std::function<void()>& Prepare)
-{
-	std::vector<FTime> Best(Works.size());
-	for (int Round = 0; Round < Rounds; ++Round)
-	{
-		for (std::size_t Index = 0; Index < Works.size(); ++Index)
-		{
-			Prepare();
-			const FTime Time = TimeOf(Works[Index]);
-			Best[Index] = {std::min(Best[Index].Wall, Time.Wall), std::min(Best[Index].Cpu, Time.Cpu)};
-		}
-	}
-	return Best;
-}
-
-void PrintTime(const char* What, const FTime& Time)
-{
-	std::printf("  %-44s %9.4f s  (cpu %9.4f s)\n", What, Time.Wall, Time.Cpu);
-}
-
-/** What was measured, over this bare work. */
-void PrintRatio(const char* What, const FTime& Measured, const FTime& Bare)
-{
-	std::printf("  %-44s %9.4f s  (cpu %9.4f s)   ratio %.3f (cpu %.3f)\n", What, Bare.Wall, Bare.Cpu,
-		Measured.Wall / Bare.Wall, Measured.Cpu / Bare.Cpu);
-}
-
 // ---- Content ----
-
-void WriteFile(const fs::path& Path, std::span<const std::byte> Bytes)
-{
-	std::ofstream File(Path, std::ios::binary);
-	File.write(reinterpret_cast<const char*>(Bytes.data()), static_cast<std::streamsize>(Bytes.size()));
-	if (!File.flush())
-	{
-		Fail("cannot write " + Path.string());
-	}
-}
 
 /** A hundred files in each folder, ten folders in each of those above. */
 fs::path PlaceOf(std::size_t Number)
@@ -145,7 +79,6 @@ void MakePackages(const fs::path& Content, std::size_t Count)
 				{Target, "/Script/Engine", "StaticMesh", Target.substr(Target.rfind('/') + 1)});
 		}
 		Spec.PayloadBytes = 2000;
-		fs::create_directories(Content / PlaceOf(Number));
 		WriteFile(Content / (PackageOf(Number).substr(6) + ".uasset"), BuildAssetPackage(Spec));
 	}
 }
@@ -372,15 +305,11 @@ void MadePackages(const fs::path& Work, int Rounds)
 }
 } // namespace
 
-int main(int Count, char** Arguments)
+int main(int Count, char** Words)
 {
-	const fs::path Work = (Count > 1 ? fs::path(Arguments[1]) : fs::temp_directory_path()) /
-						  ("RegistryBenchmark-" + std::to_string(::getpid()));
-	const int Rounds = Count > 2 ? std::atoi(Arguments[2]) : 4;
-	std::setvbuf(stdout, nullptr, _IOLBF, 0);
-	std::printf("%u cores; the best of %d rounds\n", ThreadCount(0, 1000000), Rounds);
-	RealPackages(Work, Rounds);
-	MadePackages(Work, Rounds);
-	fs::remove_all(Work);
+	const FArguments Arguments("RegistryBenchmark", Count, Words, 4);
+	std::printf("%u cores; the best of %d rounds\n", ThreadCount(0, 1000000), Arguments.Rounds);
+	RealPackages(Arguments.Folder, Arguments.Rounds);
+	MadePackages(Arguments.Folder, Arguments.Rounds);
 	return 0;
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Formats/Base/ByteWriter.h"
+#include "Standalone/Formats/Package/LevelPackages.h"
 #include "Standalone/Formats/Package/SamplePackages.h"
 #include "Standalone/Formats/Pak/PakWriter.h"
 #include "Standalone/Formats/Registry/AssetRegistryBuilder.h"
@@ -78,6 +79,21 @@ void PutPackages(const fs::path& Folder)
 	Put(Folder / "older-properties", WithProperties(false));
 }
 
+void PutLevels(const fs::path& Folder)
+{
+	FLevelPackageSpec Spec{.PackageName = "/Cave/Maps/Hall"};
+	Put(Folder / "bare", BuildLevelPackage(Spec));
+	Spec.Actors = {{"PlayerStart_0", "/Script/Engine.PlayerStart"}, {},
+		{"Gate_7", "/Cave/BP_Gate.BP_Gate_C", true, true, "Type", "EGate::Open"}};
+	Spec.bScript = true;
+	Spec.Functions = {{"ReceiveBeginPlay", 22}, {"Empty", 0}};
+	Put(Folder / "script", BuildLevelPackage(Spec));
+	Spec.StreamingLevels = {"/Cave/Maps/Lights", "/Cave/Maps/Sounds"};
+	Spec.Meshes = {"/Cave/Rock"};
+	Spec.bPartitioned = Spec.bExternalActors = true;
+	Put(Folder / "partitioned", BuildLevelPackage(Spec));
+}
+
 void PutRegistries(const fs::path& Folder)
 {
 	for (const bool bFiltered : {false, true})
@@ -130,6 +146,7 @@ int main(int Count, char** Words)
 	}
 	const fs::path Folder = Words[1];
 	PutPackages(Folder / "package");
+	PutLevels(Folder / "level");
 	PutRegistries(Folder / "registry");
 	return PutPaks(Folder / "pak", Folder / "sources") ? 0 : 1;
 }

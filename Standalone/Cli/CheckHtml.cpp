@@ -30,11 +30,13 @@ article article{margin:.5rem 0 0;padding:.5rem .7rem;background:none}
 .detail,.remedy,.command{margin:.25rem 0 0;white-space:pre-line}
 .detail{color:var(--soft)}
 code{font:.9em ui-monospace,Consolas,monospace}
-summary{cursor:pointer;margin-top:.5rem}
+summary{cursor:pointer;margin-top:.3rem;padding:.2rem 0}
 @media (max-width:30rem){body{padding:.7rem;font-size:15px}article{padding:.6rem .7rem}}
 @media print{:root{color-scheme:light;--page:#fff;--card:#fff;--text:#000;--soft:#333;--line:#999;
 --error:#b42318;--warning:#8a5a00;--info:#0b5cad;--pass:#1a7f37}
-body{max-width:none;padding:0;font-size:10pt}article{break-inside:avoid-page;print-color-adjust:exact}}
+body{max-width:none;padding:0;font-size:10pt}h2,h3,summary,.word{break-after:avoid-page}
+article{print-color-adjust:exact}article:not(:has(article)){break-inside:avoid-page}
+article details::details-content{content-visibility:visible;height:auto}}
 )";
 
 std::string EscapeHtml(std::string_view Text)
@@ -84,7 +86,7 @@ std::string Paragraph(std::string_view Class, const std::string& SafeText)
 
 std::string FindingHtml(const FQVDiagnosticFinding& Finding, const std::string& Mod);
 
-/** Many rows stand behind a click; a printer that shows none of them has the number. */
+/** Many rows stand behind a click; paper shows them all. */
 std::string ChildrenHtml(const FQVDiagnosticFinding& Finding, const std::string& Mod)
 {
 	constexpr std::size_t MostOpen = 12;

@@ -3,9 +3,9 @@
 #include "Core/QVString.h"
 #include "Diagnostics/QVMapDiagnostics.h"
 #include "Engine/QVFiles.h"
-#include "Engine/QVSlowTask.h"
 #include "Engine/QVWorld.h"
 #include "Standalone/Cli/CheckReport.h"
+#include "Standalone/Cli/ProgressTasks.h"
 #include "Standalone/Cli/RegistryScan.h"
 #include "Standalone/Cli/Session.h"
 #include "Standalone/Cli/TypedPath.h"
@@ -36,44 +36,6 @@ struct FTarget
 {
 	std::string Mod;
 	std::string Map;
-};
-
-/** Progress on the terminal; the user's interrupt cancels. */
-class FCheckTask : public IQVSlowTask
-{
-public:
-	FCheckTask(FConsole& InConsole, float InTotal)
-		: Console(InConsole)
-		, Total(InTotal)
-	{
-	}
-	bool ShouldCancel() const override { return QVStandalone::FInterrupt::IsRaised(); }
-	void EnterProgressFrame(float Amount, const FQVText& Message) override
-	{
-		Console.Progress("checking", Done / Total, Message.ToString());
-		Done += Amount;
-	}
-
-private:
-	FConsole& Console;
-	const float Total;
-	float Done = 0.0F;
-};
-
-class FCheckTasks : public IQVSlowTasks
-{
-public:
-	explicit FCheckTasks(FConsole& InConsole)
-		: Console(InConsole)
-	{
-	}
-	std::unique_ptr<IQVSlowTask> Begin(float AmountOfWork, const FQVText&) override
-	{
-		return std::make_unique<FCheckTask>(Console, AmountOfWork);
-	}
-
-private:
-	FConsole& Console;
 };
 
 std::vector<FTarget> ListTargets()
@@ -160,7 +122,7 @@ const IQVWorld* OpenMap(FSession& Session, const FTarget& Target, bool bSublevel
 
 FCheckReport RunCheck(FSession& Session, const FTarget& Target, bool bSublevels)
 {
-	FCheckTasks Tasks(Session.Console);
+	FProgressTasks Tasks(Session.Console, "checking");
 	Session.Engine.Interfaces.SlowTasks = &Tasks;
 	FQVDiagnosticFindings Findings;
 	FQVDiagnosticOptions Options = FQVDiagnosticOptions::Everything();

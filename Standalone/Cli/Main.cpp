@@ -62,6 +62,7 @@ void AddVerbs(FCommandLine& Line)
 	AddPackVerb(Line);
 	AddReferencesVerb(Line);
 	AddRedirectorsVerb(Line);
+	AddRecoverVerb(Line);
 	AddPakVerb(Line);
 	AddInspectVerb(Line);
 	AddSettingsVerb(Line);

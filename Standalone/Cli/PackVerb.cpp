@@ -3,9 +3,12 @@
 #include "Core/QVPath.h"
 #include "Core/QVString.h"
 #include "Core/QVText.h"
+#include "Export/QVMapImportScope.h"
 #include "Export/QVMapLastExport.h"
 #include "Export/QVMapPipeline.h"
 #include "Standalone/Cli/NearestWord.h"
+#include "Standalone/Cli/PackDryRun.h"
+#include "Standalone/Cli/ProgressTasks.h"
 #include "Standalone/Cli/RegistryScan.h"
 #include "Standalone/Cli/Session.h"
 #include "Standalone/Cli/StandInNote.h"
@@ -24,6 +27,7 @@ struct FPackOptions
 	std::string StartMap;
 	/** The mod that was probably meant, if there is none of that name. */
 	std::string NearestMod;
+	bool bDryRun = false;
 };
 
 /** The map's game path, from its name, package name or game path; empty if the mod has no such map. */
@@ -151,6 +155,38 @@ FQVNameSet FindUsedPackages(FSession& Session, const std::string& Mod)
 	return FQVMapDependencyAnalyzer::GatherUsedPackages(Mod);
 }
 
+/** What the mod needs for the length of the pack: nobody else at it, and what it uses from elsewhere. */
+class FPackPreparation
+{
+public:
+	/** False, with the reason told, if it cannot be had. */
+	bool Prepare(FSession& Session, const std::string& Mod)
+	{
+		// without a base release there will be no pack, which the export says
+		if (!FQVMapConfig::GetImportExternalAssets() || !FQVMapPaths::IsBaseReleaseValid())
+		{
+			Lock = FQVMapPackLock(Mod);
+			return Lock.IsHeld() || Refuse(Session, Lock.GetObstacle());
+		}
+		FProgressTasks Tasks(Session.Console, "importing");
+		Session.Engine.Interfaces.SlowTasks = &Tasks;
+		Import.emplace(Mod);
+		Session.Engine.Interfaces.SlowTasks = nullptr;
+		return Import->GetResult().bSuccess || Refuse(Session, Import->GetResult().ErrorMessage);
+	}
+
+private:
+	FQVMapPackLock Lock;
+	std::optional<FQVImportScope> Import;
+
+	static bool Refuse(FSession& Session, const std::string& Reason)
+	{
+		QVLog(EQVLogVerbosity::Error, "QVMap: Could not bring outside content in: %s", Reason);
+		Session.TellFailure(Reason);
+		return false;
+	}
+};
+
 EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 {
 	const std::unique_ptr<FSession> Session = FSession::Open(Line);
@@ -159,13 +195,23 @@ EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 		return EExitCode::Failed;
 	}
 	FConsole& Console = Session->Console;
+	const bool bKnown = FQVMapScanner::ScanMods().Find(Options.Mod) != nullptr;
+	FPackPreparation Preparation;
 	FQVNameSet UsedPackages;
-	if (FQVMapConfig::GetFilterUnusedAssets())
+	if (bKnown && !ScanRegistry(*Session))
 	{
-		if (!ScanRegistry(*Session))
-		{
-			return EExitCode::Failed;
-		}
+		return EExitCode::Failed;
+	}
+	if (bKnown && Options.bDryRun)
+	{
+		return TellImportPlan(*Session, Options.Mod, Line.Options.bJson);
+	}
+	if (bKnown && !Preparation.Prepare(*Session, Options.Mod))
+	{
+		return EExitCode::Failed;
+	}
+	if (bKnown && FQVMapConfig::GetFilterUnusedAssets())
+	{
 		UsedPackages = FindUsedPackages(*Session, Options.Mod);
 	}
 	FQVExportResult Result;
@@ -206,6 +252,8 @@ void AddPackVerb(FCommandLine& Line)
 	Verb->add_option("mod", Options->Mod, "The mod: a folder's name below Plugins")->required()->type_name("MOD");
 	Verb->add_option("--start-map", Options->StartMap, "The map that the game starts with, one of the mod's")
 		->type_name("MAP");
+	Verb->add_flag("--dry-run", Options->bDryRun,
+		"Only say what the pack would bring in from elsewhere in the project and what it would change meanwhile");
 	Line.AddFormat(*Verb);
 }
 } // namespace QVCli

@@ -2,6 +2,7 @@
 #include "Standalone/Cli/Session.h"
 
 #include "Core/QVPath.h"
+#include "Export/QVMapImportRestore.h"
 #include "Standalone/Cli/TypedPath.h"
 #include "Standalone/Engine/EngineLocator.h"
 #include "Standalone/Engine/ExecutablePath.h"
@@ -34,7 +35,7 @@ FEngineLocation LocateEngine(const FGlobalOptions& Options, const std::string& P
 }
 } // namespace
 
-std::unique_ptr<FSession> FSession::Open(FCommandLine& Line)
+std::unique_ptr<FSession> FSession::Open(FCommandLine& Line, ERecovery Recovery)
 {
 	const FProjectLocation Project = Line.Options.Project.empty() ? FindProjectAbove(FullPath("."))
 																  : FindNamedProject(FullPath(Line.Options.Project));
@@ -56,8 +57,14 @@ std::unique_ptr<FSession> FSession::Open(FCommandLine& Line)
 		Line.Console.Fail(Engine.Error);
 		return nullptr;
 	}
-	return std::unique_ptr<FSession>(
+	std::unique_ptr<FSession> Session(
 		new FSession(Line.Console, Project.ProjectFile, Engine.EngineDir, Engine.bBundled));
+	if (Recovery == ERecovery::First)
+	{
+		std::vector<std::string> Recovered; // told in the log
+		FQVMapImportRestore::RecoverInterruptedImports(Recovered);
+	}
+	return Session;
 }
 
 FSession::FSession(FConsole& InConsole, const std::string& ProjectFile, const std::string& EngineDir, bool bBundled)

@@ -14,8 +14,15 @@ namespace QVCli
 class FSession
 {
 public:
+	enum class ERecovery
+	{
+		/** What an interrupted pack left is put back first, and told. */
+		First,
+		None
+	};
+
 	/** Finds project and engine. Null, with the error told, if one of them is not there. */
-	static std::unique_ptr<FSession> Open(FCommandLine& Line);
+	static std::unique_ptr<FSession> Open(FCommandLine& Line, ERecovery Recovery = ERecovery::First);
 	~FSession();
 
 	/** Runs work that blocks on a thread of its own, while this one is the game thread. */

@@ -4,6 +4,7 @@
 #include "Core/QVString.h"
 #include "Standalone/Engine/PackageFacts.h"
 #include "Standalone/Engine/PackageHeaderBytes.h"
+#include "Standalone/Engine/PackageSpelling.h"
 
 #include <algorithm>
 
@@ -132,6 +133,25 @@ void FAssetRegistry::GetUnreadablePackages(std::vector<FQVUnreadablePackage>& Ou
 	{
 		Out.push_back({Each.File, Each.Reason});
 	}
+}
+
+std::string FAssetRegistry::GetNewerEngine(FQVName Package) const
+{
+	const std::uint32_t Row = Packages->Graph.FindRow(Package);
+	if (Row == FPackageGraph::NoRow || !Packages->Graph.TraitsAt(Row).bNewerEngine)
+	{
+		return {};
+	}
+	FPackageHeaderReader Reader;
+	const QVFormats::TResult<QVFormats::FPackageHeader> Header = Reader.Read(Packages->PathAt(Row));
+	return Header ? QVFormats::DescribeEngine(Header->Summary) : "a newer engine";
+}
+
+void FAssetRegistry::GetMisspelledReferences(FQVName Package, std::vector<FQVMisspelledReference>& Out) const
+{
+	const std::uint32_t Row = Packages->Graph.FindRow(Package);
+	Out =
+		Row != FPackageGraph::NoRow ? FindMisspelledReferences(*Packages, Row) : std::vector<FQVMisspelledReference>();
 }
 
 bool FAssetRegistry::GetTagValue(const FQVAssetData& Asset, std::string_view Tag, std::string& Out) const

@@ -36,6 +36,7 @@ public:
 
 	bool IsLoadingAssets() const override { return bLoading; }
 	void ScanPathsSynchronous(std::string_view Folder) override;
+	void ScanModifiedAssetFiles(std::span<const std::string> Files) override;
 	void GetAssets(const FQVAssetFilter& Filter, std::vector<FQVAssetData>& Out) const override;
 	void GetAssetsByPackageName(FQVName Package, std::vector<FQVAssetData>& Out) const override;
 	void GetDependencies(
@@ -45,6 +46,10 @@ public:
 	void GetReferencers(FQVName Package, std::vector<FQVName>& Out) const override;
 	std::optional<std::int64_t> GetPackageSize(FQVName Package) const override;
 	void GetUnreadablePackages(std::vector<FQVUnreadablePackage>& Out) const override;
+	/** Reads the package's header if there is something to tell. */
+	std::string GetNewerEngine(FQVName Package) const override;
+	/** Reads the package's header if there may be something to tell. */
+	void GetMisspelledReferences(FQVName Package, std::vector<FQVMisspelledReference>& Out) const override;
 	/** Reads the package's header: tags are not kept. */
 	bool GetTagValue(const FQVAssetData& Asset, std::string_view Tag, std::string& Out) const override;
 

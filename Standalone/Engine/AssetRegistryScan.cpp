@@ -17,6 +17,16 @@ namespace
 /** How often the game thread looks for the end of a scan, in seconds. */
 constexpr double TakeOverPeriod = 0.05;
 constexpr std::chrono::milliseconds ProgressPeriod{50};
+
+/** The deepest folder that holds both. None of them ends in a slash. */
+std::string CommonFolder(std::string Common, const std::string& Other)
+{
+	while (!(Other + "/").starts_with(Common + "/"))
+	{
+		Common = FQVPath::GetPath(Common);
+	}
+	return Common;
+}
 } // namespace
 
 struct FAssetRegistry::FJob
@@ -197,6 +207,21 @@ void FAssetRegistry::ScanPathsSynchronous(std::string_view Folder)
 	{
 		bCacheIsOld = true;
 		Adopt(std::move(New));
+	}
+}
+
+/** A walk over the folder that they have in common costs little more than looking at each. */
+void FAssetRegistry::ScanModifiedAssetFiles(std::span<const std::string> Files)
+{
+	std::optional<std::string> Common;
+	for (const std::string& File : Files)
+	{
+		const std::string Folder(FQVPath::GetPath(FQVPath::ConvertRelativePathToFull(ProjectDir, File)));
+		Common = Common ? CommonFolder(*Common, Folder) : Folder;
+	}
+	if (Common)
+	{
+		ScanPathsSynchronous(*Common + "/");
 	}
 }
 

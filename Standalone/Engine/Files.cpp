@@ -28,16 +28,27 @@ bool Succeeded(const std::error_code& Error, std::string_view Path, std::string_
 	return !Error;
 }
 
-std::error_code ReadAll(const fs::path& Path, std::string& OutBytes)
+/** TBytes: a string, or a vector of bytes. Appends. */
+template<class TBytes>
+std::error_code ReadAll(const fs::path& Path, TBytes& OutBytes)
 {
 	errno = 0;
 	std::ifstream File(Path, std::ios::binary);
-	char Buffer[16 * 1024];
+	char Buffer[64 * 1024];
 	while (File.read(Buffer, sizeof(Buffer)), File.gcount() > 0)
 	{
-		OutBytes.append(Buffer, static_cast<std::size_t>(File.gcount()));
+		const auto* Begin = reinterpret_cast<const typename TBytes::value_type*>(Buffer);
+		OutBytes.insert(OutBytes.end(), Begin, Begin + File.gcount());
 	}
 	return File.eof() ? std::error_code() : std::error_code(errno != 0 ? errno : EIO, std::generic_category());
+}
+
+/** A file that is not there is no trouble worth a line. */
+template<class TBytes>
+bool Load(std::string_view Path, TBytes& OutBytes)
+{
+	std::error_code Error;
+	return fs::exists(ToOsPath(Path), Error) && Succeeded(ReadAll(ToOsPath(Path), OutBytes), Path, "read");
 }
 
 struct FListed
@@ -59,6 +70,16 @@ std::vector<FListed> ListSorted(const fs::path& Folder)
 		[](const FListed& A, const FListed& B) { return A.Path.native() < B.Path.native(); });
 	return Entries;
 }
+
+struct FFileLock : IQVFileLock
+{
+	explicit FFileLock(std::unique_ptr<FOsFileLock> InLock)
+		: Lock(std::move(InLock))
+	{
+	}
+
+	const std::unique_ptr<FOsFileLock> Lock;
+};
 
 /** Walks a tree depth first, a folder before what it holds; remembers linked folders, so that a loop ends. */
 class FTreeWalk
@@ -154,27 +175,24 @@ void FFiles::IterateDirectoryRecursively(std::string_view Path, const FVisitor& 
 
 bool FFiles::CreateDirectoryTree(std::string_view Path)
 {
-	std::error_code Error;
-	fs::create_directories(ToOsPath(Path), Error);
-	return Succeeded(Error, Path, "created") && DirectoryExists(Path);
+	return Succeeded(MakeFolders(ToOsPath(Path)), Path, "created");
 }
 
 bool FFiles::DeleteDirectory(std::string_view Path)
 {
-	std::error_code Error;
-	fs::remove_all(ToOsPath(Path), Error);
-	return Succeeded(Error, Path, "deleted");
+	return Succeeded(RemoveTree(ToOsPath(Path)), Path, "deleted");
 }
 
-bool FFiles::DeleteFile(std::string_view Path)
+/** The mark keeps nobody from deleting a file here. */
+bool FFiles::DeleteFile(std::string_view Path, bool /*bEvenReadOnly*/)
 {
 	if (DirectoryExists(Path))
 	{
 		return Succeeded(std::make_error_code(std::errc::is_a_directory), Path, "deleted");
 	}
-	std::error_code Error;
-	const bool bDeleted = fs::remove(ToOsPath(Path), Error);
-	return Succeeded(Error, Path, "deleted") && bDeleted;
+	const std::error_code Error = RemoveEntry(ToOsPath(Path));
+	const bool bMissing = Error == std::errc::no_such_file_or_directory;
+	return !bMissing && Succeeded(Error, Path, "deleted");
 }
 
 bool FFiles::Move(std::string_view To, std::string_view From)
@@ -182,15 +200,15 @@ bool FFiles::Move(std::string_view To, std::string_view From)
 	return Succeeded(MoveFileOver(ToOsPath(To), ToOsPath(From)), From, "renamed");
 }
 
+bool FFiles::Copy(std::string_view To, std::string_view From)
+{
+	return Succeeded(CopyFileOver(ToOsPath(To), ToOsPath(From)), From, std::string("copied to ").append(To));
+}
+
 bool FFiles::LoadFileToString(std::string& OutText, std::string_view Path) const
 {
-	std::error_code Error;
-	if (!fs::exists(ToOsPath(Path), Error))
-	{
-		return false;
-	}
 	std::string Bytes;
-	if (!Succeeded(ReadAll(ToOsPath(Path), Bytes), Path, "read"))
+	if (!Load(Path, Bytes))
 	{
 		return false;
 	}
@@ -198,8 +216,26 @@ bool FFiles::LoadFileToString(std::string& OutText, std::string_view Path) const
 	return true;
 }
 
+bool FFiles::LoadFileToArray(std::vector<std::byte>& OutBytes, std::string_view Path) const
+{
+	OutBytes.clear();
+	return Load(Path, OutBytes);
+}
+
 bool FFiles::SaveStringToFile(std::string_view Text, std::string_view Path)
 {
 	return Succeeded(ReplaceFile(ToOsPath(Path), EncodeText(Text)), Path, "written");
+}
+
+std::unique_ptr<IQVFileLock> FFiles::TryLock(std::string_view Path)
+{
+	std::error_code Error;
+	std::unique_ptr<FOsFileLock> Lock = FOsFileLock::TryLock(ToOsPath(Path), Error);
+	const bool bHeld = Error == std::errc::resource_unavailable_try_again;
+	if (bHeld || !Succeeded(Error, Path, "locked"))
+	{
+		return nullptr;
+	}
+	return std::make_unique<FFileLock>(std::move(Lock));
 }
 } // namespace QVStandalone

@@ -17,9 +17,12 @@ public:
 	void IterateDirectoryRecursively(std::string_view Path, const FVisitor& Visitor) const override;
 	bool CreateDirectoryTree(std::string_view Path) override;
 	bool DeleteDirectory(std::string_view Path) override;
-	bool DeleteFile(std::string_view Path) override;
+	bool DeleteFile(std::string_view Path, bool bEvenReadOnly = false) override;
 	bool Move(std::string_view To, std::string_view From) override;
+	bool Copy(std::string_view To, std::string_view From) override;
 	bool LoadFileToString(std::string& OutText, std::string_view Path) const override;
+	bool LoadFileToArray(std::vector<std::byte>& OutBytes, std::string_view Path) const override;
 	bool SaveStringToFile(std::string_view Text, std::string_view Path) override;
+	std::unique_ptr<IQVFileLock> TryLock(std::string_view Path) override;
 };
 } // namespace QVStandalone

@@ -113,7 +113,7 @@ private:
 		const TColumn<std::uint32_t> Packages(Reader, Counts.Packages);
 		const TColumn<std::int64_t> Sizes(Reader, Counts.Packages);
 		const TColumn<std::int64_t> Times(Reader, Counts.Packages);
-		const TColumn<std::uint8_t> Maps(Reader, Counts.Packages);
+		const TColumn<std::uint8_t> Flags(Reader, Counts.Packages);
 		const TColumn<std::uint32_t> AssetEnds(Reader, Counts.Packages);
 		const TColumn<std::uint32_t> ReferenceEnds(Reader, Counts.Packages);
 		const TColumn<std::array<std::uint32_t, 3>> Assets(Reader, Counts.Assets);
@@ -128,7 +128,10 @@ private:
 		std::uint32_t Reference = 0;
 		for (std::uint32_t Row = 0; Row < Counts.Packages; ++Row)
 		{
-			Builder.AddPackage(NameOf(Packages[Row]), {Sizes[Row], Times[Row], Maps[Row] != 0});
+			const auto Has = [Each = Flags[Row]](EPackageCacheFlag Flag)
+			{ return (Each & static_cast<std::uint8_t>(Flag)) != 0; };
+			Builder.AddPackage(NameOf(Packages[Row]), {Sizes[Row], Times[Row], Has(EPackageCacheFlag::Map)},
+				{Has(EPackageCacheFlag::NewerEngine), Has(EPackageCacheFlag::OddReferences)});
 			for (; Asset < std::min(AssetEnds[Row], Counts.Assets); ++Asset)
 			{
 				const auto [Name, Class, Outer] = Assets[Asset];

@@ -63,6 +63,14 @@ void WriteText(FByteWriter& Out, std::string_view Text)
 	Out.Append(std::as_bytes(std::span(Text)));
 }
 
+std::uint8_t FlagsOf(const FPackageFile& File, FPackageTraits Traits)
+{
+	const auto Bit = [](EPackageCacheFlag Flag, bool bSet) { return bSet ? static_cast<unsigned>(Flag) : 0U; };
+	return static_cast<std::uint8_t>(Bit(EPackageCacheFlag::Map, File.bMap) |
+									 Bit(EPackageCacheFlag::NewerEngine, Traits.bNewerEngine) |
+									 Bit(EPackageCacheFlag::OddReferences, Traits.bOddReferences));
+}
+
 /** All columns of the packages, one behind the other. */
 void WritePackages(FByteWriter& Out, const FPackageGraph& Graph, FNameNumbers& Names)
 {
@@ -78,7 +86,7 @@ void WritePackages(FByteWriter& Out, const FPackageGraph& Graph, FNameNumbers& N
 	ForEach([&](std::uint32_t Row) { Out.U32(Names.Of(Graph.NameAt(Row))); });
 	ForEach([&](std::uint32_t Row) { Out.I64(Graph.FileAt(Row).Size); });
 	ForEach([&](std::uint32_t Row) { Out.I64(Graph.FileAt(Row).Time); });
-	ForEach([&](std::uint32_t Row) { Out.U8(Graph.FileAt(Row).bMap ? 1 : 0); });
+	ForEach([&](std::uint32_t Row) { Out.U8(FlagsOf(Graph.FileAt(Row), Graph.TraitsAt(Row))); });
 	ForEach([&](std::uint32_t Row) { Out.U32(AssetsEnd += static_cast<std::uint32_t>(Graph.AssetsAt(Row).size())); });
 	ForEach([&](std::uint32_t Row)
 		{ Out.U32(ReferencesEnd += static_cast<std::uint32_t>(Graph.ReferencesAt(Row).size())); });

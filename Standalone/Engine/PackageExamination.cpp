@@ -82,8 +82,10 @@ void FExamination::Examine(std::size_t Index, bool bSameMount)
 	FPackageCandidate& Candidate = Candidates[Index];
 	const std::string Name = Walk.PackageNameOf(File);
 	Candidate.Package = FQVName(Name);
-	Candidate.bOddlySpelled =
-		Candidate.Package.ToView() != Name || !File.FileName.ends_with(File.File.bMap ? ".umap" : ".uasset");
+	// once odd, always odd: what the old graph says of references to it was compared with the name of that time
+	Candidate.bOddlySpelled = Candidate.Package.ToView() != Name ||
+							  !File.FileName.ends_with(File.File.bMap ? ".umap" : ".uasset") ||
+							  (!Old.OddlySpelled.empty() && Old.OddlySpelled.contains(Candidate.Package));
 	Candidate.Problem = File.Problem.empty() ? PackageNameProblem(Name) : File.Problem;
 	if (!Candidate.Problem.empty())
 	{

@@ -77,6 +77,13 @@ std::string PackageNameProblem(std::string_view PackageName)
 	return bShort ? "has no name that a package may have" : std::string();
 }
 
+bool IsOfNewerEngine(const FPackageSummary& Summary)
+{
+	const FEngineVersion& Engine = Summary.CompatibleWith;
+	return Summary.FileVersionUE5 > static_cast<std::int32_t>(EUE5Version::PropertyTagTypeNames) ||
+		   std::tuple(Engine.Major, Engine.Minor) > std::tuple(5, 4);
+}
+
 FAssetRow MakeAssetRow(const FPackageHeader& Header, const FPackageAsset& Asset, FQVName Package)
 {
 	std::string Buffer;
@@ -92,14 +99,21 @@ FAssetRow MakeAssetRow(const FPackageHeader& Header, const FPackageAsset& Asset,
 	return Row;
 }
 
+FQVName FPackageFacts::Make(std::string_view Package)
+{
+	const FQVName Name(Package);
+	bOddReferences = bOddReferences || Name.ToView() != Package;
+	return Name;
+}
+
 FQVName FPackageFacts::NameOf(const FPackageHeader& Header, FNameRef Name)
 {
 	if (Name.Number != 0)
 	{
-		return FQVName(NameText(Header.Names, Name, Buffer));
+		return Make(NameText(Header.Names, Name, Buffer));
 	}
 	FQVName& Known = Made[Name.Entry];
-	Known = Known.IsNone() ? FQVName(NameText(Header.Names, Name, Buffer)) : Known;
+	Known = Known.IsNone() ? Make(NameText(Header.Names, Name, Buffer)) : Known;
 	return Known;
 }
 
@@ -151,13 +165,14 @@ void FPackageFacts::MergeAll()
 		{ return std::tuple(A.Entry, A.Number, !A.bHard) < std::tuple(B.Entry, B.Number, !B.bHard); });
 }
 
-void FPackageFacts::Append(const FPackageHeader& Header, FQVName Package)
+FPackageTraits FPackageFacts::Append(const FPackageHeader& Header, FQVName Package)
 {
 	for (const FPackageAsset& Asset : Header.Registry.Assets)
 	{
 		Assets.push_back(MakeAssetRow(Header, Asset, Package));
 	}
 	Found.clear();
+	bOddReferences = false;
 	Made.assign(Header.Names.Num(), {});
 	for (std::size_t Index = 0; Index < Header.Imports.size(); ++Index)
 	{
@@ -177,5 +192,6 @@ void FPackageFacts::Append(const FPackageHeader& Header, FQVName Package)
 	{
 		References.push_back(FPackedReference::Pack({Each.Package, Each.bHard, Each.bGame}));
 	}
+	return {IsOfNewerEngine(Header.Summary), bOddReferences};
 }
 } // namespace QVStandalone

@@ -12,6 +12,9 @@ namespace QVStandalone
 /** Empty, or why no package can have the name: `has " " in its name, which no package may have`. */
 std::string PackageNameProblem(std::string_view PackageName);
 
+/** By its file version, or by the engine that it calls compatible: 5.4 will not load it. */
+bool IsOfNewerEngine(const QVFormats::FPackageSummary& Summary);
+
 /** An asset of the header as the registry knows it. Package: by the file's place. */
 FAssetRow MakeAssetRow(const QVFormats::FPackageHeader& Header, const QVFormats::FPackageAsset& Asset, FQVName Package);
 
@@ -19,7 +22,7 @@ FAssetRow MakeAssetRow(const QVFormats::FPackageHeader& Header, const QVFormats:
 class FPackageFacts
 {
 public:
-	void Append(const QVFormats::FPackageHeader& Header, FQVName Package);
+	FPackageTraits Append(const QVFormats::FPackageHeader& Header, FQVName Package);
 
 	std::vector<FAssetRow> Assets;
 	/** As PackageDependencies gives them, which is the plain way to the same. */
@@ -40,7 +43,9 @@ private:
 	/** By entry of the header's name table: the name, if it was already made. */
 	std::vector<FQVName> Made;
 	std::string Buffer;
+	bool bOddReferences = false;
 
+	FQVName Make(std::string_view Package);
 	FQVName NameOf(const QVFormats::FPackageHeader& Header, QVFormats::FNameRef Name);
 	void Add(const QVFormats::FPackageHeader& Header, QVFormats::FNameRef Package, bool bHard, bool bGame);
 	void Merge(std::span<const FFound> SamePackage);

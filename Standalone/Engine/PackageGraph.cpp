@@ -42,8 +42,8 @@ std::span<const std::uint32_t> FPackageGraph::ReferencersOf(FQVName Package) con
 
 std::size_t FPackageGraph::BytesUsed() const
 {
-	return BytesOf(Names) + BytesOf(Files) + BytesOf(AssetStarts) + BytesOf(Assets) + BytesOf(ReferenceStarts) +
-		   BytesOf(FirstReferences) + BytesOf(References) + BytesOf(Nodes) + BytesOf(ReferencerStarts) +
-		   BytesOf(Referencers);
+	return BytesOf(Names) + BytesOf(Files) + BytesOf(Traits) + BytesOf(AssetStarts) + BytesOf(Assets) +
+		   BytesOf(ReferenceStarts) + BytesOf(FirstReferences) + BytesOf(References) + BytesOf(Nodes) +
+		   BytesOf(ReferencerStarts) + BytesOf(Referencers);
 }
 } // namespace QVStandalone

@@ -31,6 +31,17 @@ struct FPackageFile
 	bool operator==(const FPackageFile&) const = default;
 };
 
+/** What a package's header tells of it apart from assets and references. */
+struct FPackageTraits
+{
+	/** Only an engine newer than 5.4 loads it. */
+	bool bNewerEngine = false;
+	/** It spells a package that it refers to otherwise than that package's name. */
+	bool bOddReferences = false;
+
+	bool operator==(const FPackageTraits&) const = default;
+};
+
 /** FQVAssetData without the package, which knows its assets. */
 struct FAssetRow
 {
@@ -82,6 +93,7 @@ public:
 	// Rows below Num() only.
 	FQVName NameAt(std::uint32_t Row) const { return Names[Row]; }
 	const FPackageFile& FileAt(std::uint32_t Row) const { return Files[Row]; }
+	FPackageTraits TraitsAt(std::uint32_t Row) const { return Traits[Row]; }
 	std::span<const FAssetRow> AssetsAt(std::uint32_t Row) const
 	{
 		return std::span(Assets).subspan(AssetStarts[Row], AssetStarts[Row + 1] - AssetStarts[Row]);
@@ -118,6 +130,7 @@ private:
 
 	std::vector<FQVName> Names;
 	std::vector<FPackageFile> Files;
+	std::vector<FPackageTraits> Traits;
 	std::vector<std::uint32_t> AssetStarts = {0};
 	std::vector<FAssetRow> Assets;
 	std::vector<std::uint32_t> ReferenceStarts = {0};

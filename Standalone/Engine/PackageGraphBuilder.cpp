@@ -13,6 +13,7 @@ void FPackageGraphBuilder::Reserve(std::size_t Packages, std::size_t Assets, std
 {
 	Graph.Names.reserve(Packages);
 	Graph.Files.reserve(Packages);
+	Graph.Traits.reserve(Packages);
 	Graph.AssetStarts.reserve(Packages + 1);
 	Graph.ReferenceStarts.reserve(Packages + 1);
 	Graph.Assets.reserve(Assets);
@@ -29,11 +30,12 @@ void FPackageGraphBuilder::ClosePackage()
 	}
 }
 
-void FPackageGraphBuilder::AddPackage(FQVName Name, const FPackageFile& File)
+void FPackageGraphBuilder::AddPackage(FQVName Name, const FPackageFile& File, FPackageTraits Traits)
 {
 	ClosePackage();
 	Graph.Names.push_back(Name);
 	Graph.Files.push_back(File);
+	Graph.Traits.push_back(Traits);
 }
 
 void FPackageGraphBuilder::AddReference(const FQVPackageDependency& Reference)
@@ -46,7 +48,7 @@ void FPackageGraphBuilder::AddReference(const FQVPackageDependency& Reference)
 
 void FPackageGraphBuilder::AddFrom(const FPackageGraph& Other, std::uint32_t Row)
 {
-	AddPackage(Other.NameAt(Row), Other.FileAt(Row));
+	AddPackage(Other.NameAt(Row), Other.FileAt(Row), Other.TraitsAt(Row));
 	const std::span<const FAssetRow> Assets = Other.AssetsAt(Row);
 	Graph.Assets.insert(Graph.Assets.end(), Assets.begin(), Assets.end());
 	const std::span<const FPackedReference> References = Other.ReferencesAt(Row);

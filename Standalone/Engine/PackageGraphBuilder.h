@@ -15,7 +15,7 @@ public:
 	/** Optional: how much will come. */
 	void Reserve(std::size_t Packages, std::size_t Assets, std::size_t References);
 
-	void AddPackage(FQVName Name, const FPackageFile& File = {});
+	void AddPackage(FQVName Name, const FPackageFile& File = {}, FPackageTraits Traits = {});
 	void AddAsset(const FAssetRow& Asset) { Graph.Assets.push_back(Asset); }
 	/** No name is passed over. */
 	void AddReference(const FQVPackageDependency& Reference);

@@ -32,6 +32,7 @@ struct FSlice
 	std::size_t AssetsEnd = 0;
 	std::size_t ReferencesBegin = 0;
 	std::size_t ReferencesEnd = 0;
+	FPackageTraits Traits;
 };
 
 class FScan
@@ -122,10 +123,10 @@ void FScan::Read(unsigned Worker, std::size_t Number)
 	FHarvest& Harvest = Harvests[Worker];
 	const QVFormats::TResult<QVFormats::FPackageHeader> Header = Harvest.Reader.Read(Walk.PathOf(File));
 	FSlice& Slice = Slices[Number];
-	Slice = {Worker, Harvest.Facts.Assets.size(), 0, Harvest.Facts.References.size(), 0};
+	Slice = {Worker, Harvest.Facts.Assets.size(), 0, Harvest.Facts.References.size(), 0, {}};
 	if (Header)
 	{
-		Harvest.Facts.Append(*Header, Candidate.Package);
+		Slice.Traits = Harvest.Facts.Append(*Header, Candidate.Package);
 	}
 	else
 	{
@@ -209,7 +210,7 @@ void FScan::AddCandidate(FPackageGraphBuilder& Builder, std::size_t Index, std::
 		Builder.AddFrom(Old->Graph, Candidate.OldRow);
 		return;
 	}
-	Builder.AddPackage(Candidate.Package, Walk.Files[Index].File);
+	Builder.AddPackage(Candidate.Package, Walk.Files[Index].File, Slice->Traits);
 	const FHarvest& Harvest = Harvests[Slice->Worker];
 	std::for_each(Harvest.Facts.Assets.begin() + static_cast<std::ptrdiff_t>(Slice->AssetsBegin),
 		Harvest.Facts.Assets.begin() + static_cast<std::ptrdiff_t>(Slice->AssetsEnd),
@@ -270,6 +271,25 @@ std::string FScannedPackages::PathAt(std::uint32_t Row) const
 		}
 	}
 	return {};
+}
+
+std::string FScannedPackages::NameOnDiskAt(std::uint32_t Row) const
+{
+	const std::string Name = Graph.NameAt(Row).ToString();
+	const auto Odd = OddlySpelled.find(Graph.NameAt(Row));
+	if (Odd == OddlySpelled.end())
+	{
+		return Name;
+	}
+	const std::string Path = Odd->second.substr(0, Odd->second.rfind('.'));
+	for (const FMountPoint& Mount : Mounts)
+	{
+		if (FQVString::StartsWithIgnoreCase(Name, Mount.Root) && Path.starts_with(Mount.Folder))
+		{
+			return Mount.Root + Path.substr(Mount.Folder.size());
+		}
+	}
+	return Name;
 }
 
 FScannedPackagesRef ScanPackages(

@@ -27,13 +27,16 @@ struct FScannedPackages
 	FPackageGraph Graph;
 	/** Each root once. */
 	std::vector<FMountPoint> Mounts;
-	/** Full paths of files that are not spelled like their package's name, which is spelled as it was first met. */
+	/** Full paths of files that are not, or were not, spelled like their package's name, which is spelled as it was
+	 * first met. */
 	std::unordered_map<FQVName, std::string> OddlySpelled;
 	/** In order of the files. */
 	std::vector<FUnreadablePackage> Unreadable;
 
 	/** Full path of a package's file. */
 	std::string PathAt(std::uint32_t Row) const;
+	/** A package's long name as its file's place spells it. */
+	std::string NameOnDiskAt(std::uint32_t Row) const;
 };
 using FScannedPackagesRef = std::shared_ptr<const FScannedPackages>;
 

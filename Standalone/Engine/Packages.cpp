@@ -92,6 +92,23 @@ bool FPackages::TryConvertFilenameToLongPackageName(std::string_view File, std::
 	return false;
 }
 
+bool FPackages::IsValidLongPackageName(std::string_view PackageName) const
+{
+	constexpr std::size_t ShortestName = 4;
+	constexpr std::string_view Forbidden = "\\:*?\"<>|' ,.&!~\n\r\t@#";
+	std::string File;
+	return PackageName.size() >= ShortestName && PackageName.front() == '/' && PackageName.back() != '/' &&
+		   PackageName.find("//") == std::string_view::npos &&
+		   PackageName.find_first_of(Forbidden) == std::string_view::npos &&
+		   TryConvertLongPackageNameToFilename(PackageName, File, {});
+}
+
+bool FPackages::DoesPackageExist(std::string_view PackageName, std::string& OutFilename) const
+{
+	OutFilename = FindPackageFile(PackageName);
+	return !OutFilename.empty();
+}
+
 std::string FPackages::FindPackageFile(std::string_view PackageName) const
 {
 	std::string File;

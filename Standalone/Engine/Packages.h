@@ -2,9 +2,11 @@
 #pragma once
 
 #include "Engine/QVPackages.h"
+#include "Standalone/Engine/LoadedPackages.h"
 #include "Standalone/Engine/Plugins.h"
 #include "Standalone/Formats/Package/PackageRegistrySection.h"
 
+#include <functional>
 #include <vector>
 
 namespace QVStandalone
@@ -18,7 +20,10 @@ struct FMountPoint
 	std::string Folder;
 };
 
-/** Long package names over the mount points of project, engine and enabled content plugins. */
+/**
+ * Long package names over the mount points of project, engine and enabled content plugins. Nothing is ever really
+ * loaded: of a package "in memory" it is known which file its bytes come from and what is to be renamed in them.
+ */
 class FPackages : public IQVPackages
 {
 public:
@@ -27,6 +32,30 @@ public:
 	bool TryConvertLongPackageNameToFilename(
 		std::string_view PackageName, std::string& OutFilename, std::string_view Extension) const override;
 	FQVLoadedAsset LoadAsset(const FQVAssetData& Asset) const override;
+
+	bool IsValidLongPackageName(std::string_view PackageName) const override;
+	bool DoesPackageExist(std::string_view PackageName, std::string& OutFilename) const override;
+	bool IsLoaded(FQVName Package) const override;
+	bool LoadPackage(FQVName Package) override;
+	void GetDirtyPackages(std::vector<FQVName>& Out) const override;
+	void SetDirtyFlag(FQVName Package, bool bDirty) override;
+	bool ContainsWorld(FQVName Package) const override;
+	bool CreatePackage(FQVName Package) override;
+	/** All of the asset's package is duplicated, and the registry is told when the copy is saved. */
+	bool DuplicateAsset(const FQVAssetData& Asset, FQVName NewPackage) override;
+	/** The packages are dirty then. */
+	void ReplaceReferences(
+		std::span<const FQVName> Packages, std::span<const FQVAssetReplacement> Replacements) override;
+	/** Fails where a reference would stay on the old package. */
+	EQVSaveResult SavePackage(FQVName Package, std::string_view File, bool bWorld) override;
+	/** Forgets them. */
+	void ReloadPackages(std::span<const FQVName> Packages, std::string& OutMessage) override;
+	/** Forgets them. */
+	void DeleteAssets(std::span<const FQVName> Packages) override;
+
+	/** Called with the files that were saved, once for all when no package is dirty any more. */
+	std::function<void(std::span<const std::string> Files)> OnSaved;
+
 	/** The long package name that a file's place gives it; false if it lies below no mount point. */
 	bool TryConvertFilenameToLongPackageName(std::string_view File, std::string& OutPackageName) const;
 	/** The full path of the file that holds a package, whichever extension it has; empty if there is none. */
@@ -40,5 +69,14 @@ private:
 	const std::string ProjectDir;
 	const std::string EngineDir;
 	const FPlugins& Plugins;
+	FLoadedPackages InMemory;
+	/** Not yet told of. */
+	std::vector<std::string> SavedFiles;
+
+	std::string WhatPreventsCopy(const FQVAssetData& Asset, FQVName NewPackage);
+	bool HasExternalObjects(std::string_view World) const;
+	std::vector<std::pair<std::string, std::string>> ObjectsOf(const FQVAssetReplacement& Replacement) const;
+	void Forget(std::span<const FQVName> Packages);
+	void TellOfSaved();
 };
 } // namespace QVStandalone

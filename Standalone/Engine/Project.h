@@ -17,6 +17,7 @@ public:
 	/** From the engine's `Build/Build.version`; "5.4.0" where that cannot be read. */
 	std::string EngineVersion() const override;
 	std::string DevelopmentAssetRegistryFilename() const override;
+	bool IsRunningCommandlet() const override { return false; }
 
 private:
 	std::string ProjectFile;

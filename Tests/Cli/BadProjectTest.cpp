@@ -179,15 +179,10 @@ TEST_F(FBadProject, WhereNothingCanBeWrittenTheFolderIsNamed)
 	fs::remove_all(Folder / "Saved");
 	Put("Saved", "in the way");
 	const std::string Saved = "<T>/Пример 1/Saved";
-	ExpectRefusal({"-q", "pack", "Harbor"},
-		"Failed to generate manifest\n  cause: no log is kept: " + Saved +
-			"/Logs/QVMap.log: Not a directory\n  cause: " + Saved +
-			"/QVPak/Temp could not be created: Not a directory\n  cause: " + Saved +
-			"/QVPak/Temp/Harbor_manifest.json could not be written: Not a directory\n  cause: Failed to write manifest "
-			"to: " +
-			Saved + "/QVPak/Temp/Harbor_manifest.json\n  cause: " + Saved +
-			"/QVPak/Logs could not be created: Not a directory\n  cause: " + Saved +
-			"/QVPak/Logs/last_export.json could not be written: Not a directory\n");
+	ExpectRefusal({"-q", "pack", "Harbor"}, "Could not create the backup folder: " + Saved +
+												"/QVPak/Temp/ImportBackup\n  cause: no log is kept: " + Saved +
+												"/Logs/QVMap.log: Not a directory\n  cause: " + Saved +
+												"/QVPak/Temp/ImportBackup could not be created: Not a directory\n");
 	const FTree Before = Snapshot(Folder);
 	for (const FWords& Words : {FWords{"base-release", "build"}, FWords{"settings", "set", "verbose_logging", "true"}})
 	{

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Standalone/Formats/Package/LevelPackages.h"
 #include "Tests/Cli/CheckSupport.h"
 
 #include <map>
@@ -27,15 +28,31 @@ int Rank(const FJson& Finding)
 	return Severity == "error" ? 3 : Severity == "warning" ? 2 : Severity == "info" ? 1 : 0;
 }
 
-void ExpectFinding(const FJson& Finding)
+using FKeys = std::set<std::string>;
+
+FKeys KeysOf(const FJson& Object)
 {
-	std::set<std::string> Keys;
-	for (const auto& [Key, Value] : Finding.items())
+	FKeys Keys;
+	for (const auto& [Key, Value] : Object.items())
 	{
 		Keys.insert(Key);
 	}
-	EXPECT_EQ(Keys, (std::set<std::string>{
-						"group", "id", "severity", "title", "detail", "remedy", "command", "action", "children"}));
+	return Keys;
+}
+
+void ExpectFinding(const FJson& Finding)
+{
+	EXPECT_EQ(KeysOf(Finding),
+		(FKeys{"group", "id", "severity", "title", "detail", "remedy", "command", "action", "children"}));
+	for (const char* Key : {"id", "title", "detail", "remedy", "command"})
+	{
+		EXPECT_TRUE(Finding.at(Key).is_string()) << Key;
+	}
+	const FJson& Action = Finding.at("action");
+	EXPECT_EQ(KeysOf(Action), (FKeys{"kind", "label", "path", "assets"}));
+	EXPECT_TRUE(FKeys({"none", "open_folder", "open_file", "browse_to_assets", "custom"}).contains(Action["kind"]));
+	EXPECT_TRUE(Action["label"].is_string() && Action["path"].is_string() && Action["assets"].is_array());
+	EXPECT_TRUE(FKeys({"pass", "info", "warning", "error"}).contains(Finding["severity"])) << Finding;
 	EXPECT_FALSE(Finding.at("id").get<std::string>().empty());
 	EXPECT_TRUE(Rank(Finding) > 0 || Finding.at("remedy") == "") << Finding;
 	for (const FJson& Child : Finding.at("children"))
@@ -45,19 +62,34 @@ void ExpectFinding(const FJson& Finding)
 	}
 }
 
-/** What the format's schema asks of a log: required members, types, and places that exist. */
+/** A text, as messages and descriptions are. */
+void ExpectText(const FJson& Message)
+{
+	EXPECT_EQ(KeysOf(Message), FKeys{"text"});
+	EXPECT_TRUE(Message.at("text").is_string() && Message["text"] != "") << Message;
+}
+
+/** What the format's schema asks of a log: members that it knows, required ones, types, and places that exist. */
 void ExpectSarif(const FJson& Log)
 {
+	EXPECT_EQ(KeysOf(Log), (FKeys{"$schema", "version", "runs"}));
+	EXPECT_TRUE(Log["$schema"].is_string());
 	EXPECT_EQ(Log.at("version"), "2.1.0");
 	ASSERT_EQ(Log.at("runs").size(), 1U);
 	const FJson& Run = Log["runs"][0];
 	const FJson& Driver = Run.at("tool").at("driver");
-	EXPECT_TRUE(Driver.at("name").is_string());
+	EXPECT_EQ(KeysOf(Run), (FKeys{"tool", "originalUriBaseIds", "columnKind", "results"}));
+	EXPECT_EQ(Run["columnKind"], "utf16CodeUnits");
+	EXPECT_TRUE(Run["results"].is_array()) << "also when there are none";
+	EXPECT_EQ(KeysOf(Run["tool"]), FKeys{"driver"});
+	EXPECT_EQ(KeysOf(Driver), (FKeys{"name", "version", "rules"}));
+	EXPECT_TRUE(Driver["name"].is_string() && Driver["version"].is_string() && Driver["rules"].is_array());
 	std::set<std::string> Ids;
 	for (const FJson& Rule : Driver.at("rules"))
 	{
 		EXPECT_TRUE(Ids.insert(Rule.at("id")).second) << "each rule once";
-		EXPECT_TRUE(Rule.at("shortDescription").at("text").is_string());
+		EXPECT_EQ(KeysOf(Rule), (FKeys{"id", "shortDescription"}));
+		ExpectText(Rule["shortDescription"]);
 	}
 	const std::string Root = Run.at("originalUriBaseIds").at("ROOT").at("uri");
 	EXPECT_TRUE(Root.starts_with("file:///") && Root.ends_with("/")) << Root;
@@ -65,9 +97,14 @@ void ExpectSarif(const FJson& Log)
 	{
 		EXPECT_EQ(Driver["rules"].at(Result.at("ruleIndex").get<std::size_t>()).at("id"), Result.at("ruleId"));
 		EXPECT_TRUE(Result.at("level") == "error" || Result["level"] == "warning");
-		EXPECT_FALSE(Result.at("message").at("text").get<std::string>().empty());
-		for (const FJson& Location : Result.value("locations", FJson::array()))
+		EXPECT_EQ(KeysOf(Result), (FKeys{"ruleId", "ruleIndex", "level", "message", "locations"}));
+		ExpectText(Result.at("message"));
+		EXPECT_EQ(Result.at("locations").size(), 1U) << "code scanning wants one";
+		for (const FJson& Location : Result["locations"])
 		{
+			EXPECT_EQ(KeysOf(Location), FKeys{"physicalLocation"});
+			EXPECT_EQ(KeysOf(Location["physicalLocation"]), FKeys{"artifactLocation"});
+			EXPECT_EQ(KeysOf(Location["physicalLocation"]["artifactLocation"]), (FKeys{"uri", "uriBaseId"}));
 			const FJson& Artifact = Location.at("physicalLocation").at("artifactLocation");
 			EXPECT_EQ(Artifact.at("uriBaseId"), "ROOT");
 			const std::string Uri = Artifact.at("uri");
@@ -83,6 +120,8 @@ TEST_F(FCheckFormats, DocumentIsGroupedWorstFirst)
 	PutMissing(2);
 	PutDamaged(1);
 	const FJson Document = CheckJson({"Cave"}, 1);
+	EXPECT_EQ(KeysOf(Document), (FKeys{"schema_version", "mod", "map", "time", "cancelled", "errors", "warnings",
+									"notes", "passes", "findings"}));
 	EXPECT_EQ(Document["schema_version"], 1);
 	EXPECT_EQ(Document["mod"], "Cave");
 	EXPECT_EQ(Document["cancelled"], false);
@@ -138,6 +177,20 @@ TEST_F(FCheckFormats, SarifNamesRulesAndFilesOfTheRepository)
 		UriOf("Content.LevelDoor"), "%D0%9F%D1%80%D0%B8%D0%BC%D0%B5%D1%80%201/Plugins/Cave/Content/Maps/Hall.umap");
 }
 
+TEST_F(FCheckFormats, SarifOfAMapWithNothingToTell)
+{
+	BuildRelease();
+	QVFormats::FLevelPackageSpec Level;
+	Level.PackageName = "/Cave/Maps/Hall";
+	Level.Actors = {{"Start", "/Script/Engine.PlayerStart"}, {"End", "/Script/QUARVEL.MapEndTrigger"},
+		{"First", "/Script/QUARVEL.MapCheckpointTrigger", false, false, "Type", "ECheckpointType::Start"}};
+	WriteBytes(Folder / "Plugins/Cave/Content/Maps/Hall.umap", QVFormats::BuildLevelPackage(Level));
+	const FJson Log = FJson::parse(Check({"Cave", "--format", "sarif", "--fail-on", "warning"}, 0).Out);
+	ExpectSarif(Log);
+	EXPECT_EQ(Log["runs"][0]["results"], FJson::array());
+	EXPECT_GT(Log["runs"][0]["tool"]["driver"]["rules"].size(), 20U) << "the checks that passed";
+}
+
 TEST_F(FCheckFormats, AnnotationsTenOfAKindAndEscaped)
 {
 	PutMissing(14);
@@ -163,7 +216,8 @@ TEST_F(FCheckFormats, PageIsOneFileAndSafe)
 		EXPECT_EQ(Page.find(Never), std::string::npos) << Never;
 	}
 	EXPECT_NE(Page.find("&lt;script&gt;alert(1)&lt;&amp;&#39;\\x1b.uasset"), std::string::npos);
-	for (const char* Needed : {"name=\"viewport\"", "prefers-color-scheme:dark", "@media print", "lang=\"en\""})
+	for (const char* Needed :
+		{"name=\"viewport\"", "prefers-color-scheme:dark", "@media print", "details::details-content", "lang=\"en\""})
 	{
 		EXPECT_NE(Page.find(Needed), std::string::npos) << Needed;
 	}

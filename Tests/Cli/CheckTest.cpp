@@ -76,6 +76,10 @@ Asset References
            No reference leads to a package that is not there.
   ok       No leftover redirectors
            No reference goes through a redirector outside.
+  ok       Nothing saved by a newer engine
+           5.4 can load all that the map uses.
+  ok       References spelled like their files
+           No reference differs from its file in upper and lower case.
   ok       Cooked paths short enough for Windows
            The longest has <...>
   ok       Packages readable
@@ -85,11 +89,11 @@ Last Export
   note     Last export known
            Nothing has been exported from this project yet.
 
-0 errors, 2 warnings, 4 notes, 20 passed
+0 errors, 2 warnings, 4 notes, 22 passed
 )");
 	EXPECT_EQ(Check({"Hall", "--fail-on", "warning"}, 1).Err, "");
 	EXPECT_EQ(Check({"/Cave/Maps/Hall", "-o", "report.txt"}, 0).Out, "");
-	EXPECT_TRUE(Get("report.txt").ends_with("0 errors, 2 warnings, 4 notes, 20 passed\n"));
+	EXPECT_TRUE(Get("report.txt").ends_with("0 errors, 2 warnings, 4 notes, 22 passed\n"));
 	EXPECT_EQ(Check({"Hall", "-o", "SampleMaps.uproject/r"}, 1).Err.substr(0, 7), "error: ");
 }
 

@@ -79,7 +79,8 @@ TEST_F(FUsage, WrongUseIsToldWithTheWayOut)
 		FWords Words;
 		const char* Error;
 	} Cases[] = {
-		{{}, "qvmap needs a verb: maps, check, base-release, pack, references, redirectors, pak, inspect, settings, "
+		{{}, "qvmap needs a verb: maps, check, base-release, pack, references, redirectors, recover, pak, inspect, "
+			 "settings, "
 			 "setup, sample\n  "
 			 "see: qvmap --help\n"},
 		{{"pakc"}, "'pakc' is not a verb of qvmap. Did you mean 'pak'?\n  see: qvmap --help\n"},

@@ -133,14 +133,15 @@ TEST_F(FContentChecks, MapThatIsGoneSinceItWasScanned)
 	Scan();
 	std::string Row = CheckOne("Cave", "Content.CookPathResolves");
 	EXPECT_TRUE(Row.starts_with(std::string("Pass") + Resolvable)) << Row;
-	struct FNoPackages : IQVPackages
+	struct FNoPackages : QVStandalone::FPackages
 	{
+		using FPackages::FPackages;
 		bool TryConvertLongPackageNameToFilename(std::string_view, std::string&, std::string_view) const override
 		{
 			return false;
 		}
 		FQVLoadedAsset LoadAsset(const FQVAssetData&) const override { return {}; }
-	} None;
+	} None({}, {}, Engine.GetPlugins());
 	Engine.Interfaces.Packages = &None;
 	Row = CheckOne("Cave", "Content.CookPathResolves");
 	EXPECT_TRUE(Row.starts_with(std::string("Error") + Resolvable +

@@ -95,6 +95,7 @@ struct FTaggedRegistry : IQVAssetRegistry
 	}
 	bool IsLoadingAssets() const override { return Inner.IsLoadingAssets(); }
 	void ScanPathsSynchronous(std::string_view) override {}
+	void ScanModifiedAssetFiles(std::span<const std::string>) override {}
 	void GetAssets(const FQVAssetFilter& Filter, std::vector<FQVAssetData>& Out) const override
 	{
 		Inner.GetAssets(Filter, Out);
@@ -105,6 +106,8 @@ struct FTaggedRegistry : IQVAssetRegistry
 	void GetReferencers(FQVName, std::vector<FQVName>&) const override {}
 	std::optional<std::int64_t> GetPackageSize(FQVName) const override { return {}; }
 	void GetUnreadablePackages(std::vector<FQVUnreadablePackage>&) const override {}
+	std::string GetNewerEngine(FQVName) const override { return {}; }
+	void GetMisspelledReferences(FQVName, std::vector<FQVMisspelledReference>&) const override {}
 	bool GetTagValue(const FQVAssetData& Asset, std::string_view Tag, std::string& Out) const override
 	{
 		const std::string Wanted = QVPrintf("%s %s", Asset.AssetName.ToView(), Tag);

@@ -22,6 +22,20 @@ struct FReferenceChecks : QVTest::FDiagnosticsTest
 		}
 		return Findings;
 	}
+	/** As if 5.6 had saved it, in the layout that 5.4 has. */
+	void MakeNewer(const char* Package) const
+	{
+		std::string Bytes = Project.Read(FileOf(Package));
+		const std::string Saved("\x05\0\x04\0\x04\0", 6);
+		const std::string Compatible("\x05\0\x04\0\0\0", 6);
+		for (const std::string& Version : {Saved, Compatible})
+		{
+			const std::size_t At = Bytes.find(Version);
+			ASSERT_NE(At, std::string::npos);
+			Bytes[At + 2] = 6;
+		}
+		Project.Write(FileOf(Package), Bytes);
+	}
 	std::string SizeOf(const char* Package) const
 	{
 		const auto Bytes = static_cast<std::int64_t>(Project.Read(FileOf(Package)).size());
@@ -58,6 +72,12 @@ TEST_F(FReferenceChecks, AllIsWell)
 					"Pass Ref.Redirectors\n"
 					"  RefRedirectorsTitle: No leftover redirectors\n"
 					"  RefRedirectorsPass: No reference goes through a redirector outside.\n"
+					"Pass Ref.NewerEngine\n"
+					"  RefNewerTitle: Nothing saved by a newer engine\n"
+					"  RefNewerPass: 5.4 can load all that the map uses.\n"
+					"Pass Ref.LetterCase\n"
+					"  RefLetterCaseTitle: References spelled like their files\n"
+					"  RefLetterCasePass: No reference differs from its file in upper and lower case.\n"
 					"Pass Ref.CookedPaths\n"
 					"  RefCookedPathsTitle: Cooked paths short enough for Windows\n"
 					"  RefCookedPathsPass: The longest has N characters.\n"
@@ -145,6 +165,65 @@ TEST_F(FReferenceChecks, RedirectorsAndTheWayToFixThem)
 	Scan();
 	EXPECT_EQ(Find(Check(), "Ref.Redirectors").Severity, EQVDiagSeverity::Pass);
 	EXPECT_FALSE(Project.Exists(FileOf("/Game/Old")));
+}
+
+TEST_F(FReferenceChecks, WhatANewerEngineHasSaved)
+{
+	Project.AddMod("Cave", {});
+	PutMap("/Cave/Hall", {"/Cave/Rock", "/Game/Tree"});
+	PutMesh("/Cave/Unused");
+	PutMesh("/Cave/Rock");
+	PutMesh("/Game/Tree");
+	MakeNewer("/Game/Tree");
+	MakeNewer("/Cave/Unused");
+	Scan();
+	FQVDiagnosticFinding Finding = Find(Check(), "Ref.NewerEngine");
+	EXPECT_EQ(Finding.Severity, EQVDiagSeverity::Warning) << "what the map does not reach is not cooked";
+	MakeNewer("/Cave/Rock");
+	Scan();
+	EXPECT_EQ(Describe(Check(), "Ref.NewerEngine"),
+		"Error Ref.NewerEngine\n"
+		"  RefNewerTitle: Nothing saved by a newer engine\n"
+		"  RefNewerFail: 2 package(s) were saved by an engine newer than 5.4.\n"
+		"  RefNewerRemedy: Unreal Engine 5.4 does not load them, so the cook fails or leaves them out. Restore what "
+		"5.4 "
+		"saved, or make them anew in 5.4: a newer engine cannot save for an older one.\n"
+		"    Error Ref.NewerEngine.Own\n"
+		"      <Project>/Plugins/Cave/Content/Rock.uasset\n"
+		"      RefNewerRow: /Cave/Rock was saved by UE 5.6.4-35576357.\n"
+		"      [OpenFolder: Open Folder] OpenFolder <Project>/Plugins/Cave/Content\n"
+		"    Warning Ref.NewerEngine.Other\n"
+		"      <Project>/Content/Tree.uasset\n"
+		"      RefNewerRow: /Game/Tree was saved by UE 5.6.4-35576357.\n"
+		"      [OpenFolder: Open Folder] OpenFolder <Project>/Content\n");
+}
+
+TEST_F(FReferenceChecks, ReferencesInOtherLettersThanTheirFiles)
+{
+	Project.AddMod("Cave", {});
+	PutMap("/Cave/Hall", {"/cave/Big/Rock", "soft /Cave/Big/LEAF", "/Cave/GONE"});
+	PutMesh("/Cave/big/Rock", {"/Cave/Big/Leaf", "/CAVE/Hall"});
+	PutMesh("/Cave/Big/Leaf", {"/game/TREE"});
+	PutMesh("/Game/Tree", {"/Game/tree", "/Cave/HALL"});
+	Scan();
+	EXPECT_EQ(Describe(Check(), "Ref.LetterCase"),
+		"Warning Ref.LetterCase\n"
+		"  RefLetterCaseTitle: References spelled like their files\n"
+		"  RefLetterCaseFail: 3 reference(s) differ from their file in upper and lower case.\n"
+		"  RefLetterCaseRemedy: Windows takes them; a disk that tells upper from lower case does not have such a file. "
+		"Rename files and folders to what the references say, or set the references anew.\n"
+		"    Warning Ref.LetterCase.Reference\n"
+		"      /Cave/Hall\n"
+		"      RefLetterCaseRow: refers to /Cave/Big/LEAF\non disk it is /Cave/Big/Leaf\n"
+		"      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Hall.Hall\n"
+		"    Warning Ref.LetterCase.Reference\n"
+		"      /Cave/Hall\n"
+		"      RefLetterCaseRow: refers to /cave/Big/Rock\non disk it is /Cave/big/Rock\n"
+		"      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Hall.Hall\n"
+		"    Warning Ref.LetterCase.Reference\n"
+		"      /Cave/Big/Leaf\n"
+		"      RefLetterCaseRow: refers to /game/TREE\non disk it is /Game/Tree\n"
+		"      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Big/Leaf.Leaf\n");
 }
 
 TEST_F(FReferenceChecks, FilesThatCannotBeRead)

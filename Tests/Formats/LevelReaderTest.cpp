@@ -3,6 +3,7 @@
 #include "Standalone/Formats/Package/LevelPackages.h"
 #include "Tests/Formats/TestContent.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 
 using namespace QVFormats;
@@ -92,6 +93,38 @@ TEST(LevelReader, SaysWhatIsNoMap)
 	EXPECT_EQ(ReadAll(BuildClassPackage(NoMap)),
 		"holds no world: a map that was moved leaves such a file behind, which only leads to the new one");
 	EXPECT_EQ(ReadAll({}), ReadPackageHeader({}).Error().Message);
+}
+
+/** Or a small file could keep its reader busy for long, and fill the memory. */
+TEST(LevelReader, TakesNothingTwice)
+{
+	const FActorSpec Wall{"Wall", "/Script/Engine.StaticMeshActor"};
+	std::vector<std::byte> File = BuildLevelPackage({.PackageName = "/Cave/Maps/Hall", .Actors = {Wall, Wall, Wall}});
+	const std::int32_t List[] = {4, 3, 4, 5, 6}; // how many, then the exports
+	const FBytes Pattern = std::as_bytes(std::span(List));
+	const auto Found = std::search(File.begin(), File.end(), Pattern.begin(), Pattern.end());
+	ASSERT_NE(Found, File.end());
+	Found[12] = Found[16] = std::byte{4};
+	const TResult<FPackageHeader> Header = ReadPackageHeader(File);
+	const TResult<FMapWorld> Map = ReadMapWorld(*Header, File);
+	ASSERT_TRUE(Map) << Map.Error().Message;
+	const FPackageIndex Expected[] = {FPackageIndex::Export(2), FPackageIndex::Export(3), {}, {}};
+	EXPECT_TRUE(std::equal(Map->Actors.begin(), Map->Actors.end(), std::begin(Expected), std::end(Expected)));
+
+	const auto Size = static_cast<std::int64_t>(File.size());
+	const std::size_t SizeAt = Header->Exports[3].SerialOffsetAt - sizeof(Size);
+	const std::int64_t SizeAndOffset[] = {Size, 0};
+	std::memcpy(File.data() + SizeAt, SizeAndOffset, sizeof(SizeAndOffset));
+	EXPECT_EQ(ReadAll(File), "is damaged: its objects claim more bytes than it has");
+}
+
+TEST(LevelReader, NamesAreNoLongerThanTheEngineTakes)
+{
+	FLevelPackageSpec Spec{.PackageName = "/Cave/Maps/Hall"};
+	Spec.Actors = {{std::string(1023, 'x'), "/Script/Engine.Note"}};
+	EXPECT_EQ(ReadAll(BuildLevelPackage(Spec)), "Hall: 2 actors");
+	Spec.Actors[0].Name += "x";
+	EXPECT_EQ(ReadAll(BuildLevelPackage(Spec)), "is damaged: it has a name of more than 1023 characters");
 }
 
 /** What is cut off anywhere is no map any more, even where nobody looks. */

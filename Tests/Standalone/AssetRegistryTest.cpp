@@ -236,6 +236,26 @@ TEST_F(AssetRegistry, SeesWhatHasChanged)
 	EXPECT_EQ(Session.Assets("/Game"), FTexts{});
 }
 
+TEST_F(AssetRegistry, ScansTheFilesThatItIsToldOf)
+{
+	FRegistrySession Session(Project);
+	PutMesh("Plugins/Cave/Content/Meshes/Rack.uasset", "/Cave/Meshes/Rack");
+	PutMesh("Content/Tools/Late.uasset", "/Game/Tools/Late");
+	Project.Remove("Plugins/Cave/Content/Meshes/Rock_2.uasset");
+	const auto Scan = [&](const std::vector<std::string>& Files) { Session.Registry.ScanModifiedAssetFiles(Files); };
+	const auto Has = [&Session](const char* Package) { return Session.Size(Package) > 0; };
+	Scan({});
+	EXPECT_TRUE(!Has("/Cave/Meshes/Rack") && Has("/Cave/Meshes/Rock_2") && !Has("/Game/Tools/Late"));
+	Scan({Project.At("Plugins/Cave/Content/Meshes/Rack.uasset"),
+		Project.At("Plugins/Cave/Content/Meshes/Rock_2.uasset")});
+	EXPECT_TRUE(Has("/Cave/Meshes/Rack") && !Has("/Cave/Meshes/Rock_2") && !Has("/Game/Tools/Late"));
+	PutMesh("Plugins/Cave/Content/Maps/New.uasset", "/Cave/Maps/New");
+	Scan({Project.At("Plugins/Cave/Content/Maps/New.uasset"), Project.At("Content/Tools/../Tools/Late.uasset")});
+	EXPECT_TRUE(Has("/Cave/Maps/New") && Has("/Game/Tools/Late"));
+	Scan({"/somewhere/Else.uasset", Project.At("Content/Tools/Late.uasset")});
+	EXPECT_TRUE(Has("/Cave/Maps/New") && Has("/Game/Tools/Late"));
+}
+
 TEST_F(AssetRegistry, ScansInTheBackground)
 {
 	FStandaloneEngine Engine(Project.ProjectFile(), Project.EngineDir());

@@ -6,6 +6,7 @@
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 using QVStandalone::FFiles;
 namespace fs = std::filesystem;
@@ -137,6 +138,75 @@ TEST_F(Files, MoveReplacesAFileButNeverMovesAReadOnlyOne)
 	EXPECT_EQ(Logged(), (FLines{"Cave.uplugin.disabled could not be renamed: Permission denied",
 							"gone could not be renamed: No such file or directory"}));
 	EXPECT_EQ(Disk.Below(), FLines{"Cave.uplugin.disabled"});
+}
+
+TEST_F(Files, ACopyReplacesAWholeFileEvenAReadOnlyOne)
+{
+	const std::string From = Disk.Put("from.bin", std::string("a\0b", 3) + std::string(700'000, 'x'));
+	MarkReadOnly("from.bin");
+	Disk.Put("locked.bin", "old");
+	MarkReadOnly("locked.bin");
+	Disk.Put("real/open.bin", "old and longer");
+	fs::create_symlink("real/open.bin", Disk.OsPath("link.bin"));
+	for (const char* To : {"new.bin", "locked.bin", "link.bin", "from.bin"})
+	{
+		EXPECT_TRUE(Real.Copy(Disk(To), From)) << To;
+		EXPECT_TRUE(Disk.Get(To) == Disk.Get("from.bin")) << To;
+		const bool bReadOnly = (fs::status(Disk.OsPath(To)).permissions() & fs::perms(0222)) == fs::perms::none;
+		EXPECT_EQ(bReadOnly, std::string_view(To) == "locked.bin" || std::string_view(To) == "from.bin") << To;
+	}
+	EXPECT_TRUE(fs::is_symlink(Disk.OsPath("link.bin")));
+	EXPECT_TRUE(Real.Copy(Disk("new.bin"), Disk.Put("empty.bin", "")));
+	EXPECT_EQ(Disk.Get("new.bin"), "");
+	EXPECT_EQ(Logged(), FLines());
+	EXPECT_TRUE(Real.DeleteFile(Disk("locked.bin"), true));
+	EXPECT_EQ(Disk.Below(), (FLines{"empty.bin", "from.bin", "link.bin", "new.bin", "real/open.bin"}));
+}
+
+TEST_F(Files, AFailedCopyLeavesAllAsItWas)
+{
+	const std::string From = Disk.Put("from.bin", std::string(5000, 'x'));
+	const std::string Old = Disk.Put("old.bin", "old");
+	fs::create_directories(Disk.OsPath("folder"));
+	ASSERT_EQ(::mkfifo(Disk.OsPath("pipe").c_str(), 0600), 0);
+	{
+		const FSmallDisk SmallDisk(4096);
+		EXPECT_FALSE(Real.Copy(Old, From));
+		EXPECT_FALSE(Real.Copy(Disk("new.bin"), From));
+	}
+	for (const char* Source : {"gone.bin", "folder", "pipe"})
+	{
+		EXPECT_FALSE(Real.Copy(Old, Disk(Source))) << Source;
+	}
+	EXPECT_FALSE(Real.Copy(Disk("folder"), From));
+	EXPECT_FALSE(Real.Copy(Disk("no folder/a.bin"), From));
+	EXPECT_EQ(Logged(), (FLines{
+							"from.bin could not be copied to old.bin: File too large",
+							"from.bin could not be copied to new.bin: File too large",
+							"gone.bin could not be copied to old.bin: No such file or directory",
+							"folder could not be copied to old.bin: Is a directory",
+							"pipe could not be copied to old.bin: Invalid argument",
+							"from.bin could not be copied to folder: Is a directory",
+							"from.bin could not be copied to no folder/a.bin: No such file or directory",
+						}));
+	EXPECT_EQ(Disk.Get("old.bin"), "old");
+	EXPECT_EQ(Disk.Below(), (FLines{"from.bin", "old.bin", "pipe"}));
+}
+
+TEST_F(Files, LoadsBytesIntoMemoryThatIsUsedAgain)
+{
+	std::vector<std::byte> Bytes;
+	const std::string Long(200'000, '\xFE');
+	EXPECT_TRUE(Real.LoadFileToArray(Bytes, Disk.Put("long", Long)));
+	EXPECT_EQ(std::string(reinterpret_cast<const char*>(Bytes.data()), Bytes.size()), Long);
+	const std::byte* Memory = Bytes.data();
+	EXPECT_TRUE(Real.LoadFileToArray(Bytes, Disk.Put("short", std::string("\0\r\n", 3))));
+	EXPECT_EQ(Bytes, (std::vector{std::byte{0}, std::byte{13}, std::byte{10}}));
+	EXPECT_EQ(Bytes.data(), Memory);
+	EXPECT_FALSE(Real.LoadFileToArray(Bytes, Disk("gone")));
+	EXPECT_EQ(Logged(), FLines());
+	EXPECT_FALSE(Real.LoadFileToArray(Bytes, Disk("")));
+	EXPECT_EQ(Logged(), FLines{" could not be read: Is a directory"});
 }
 
 TEST_F(Files, ListingEndsWhereLinksGoRound)

@@ -16,7 +16,8 @@ public:
 	{
 	}
 
-	/** Asked before each "save", "move" (with its source), "delete" and "create"; true makes it fail. */
+	/** Asked before each "save", "move" and "copy" (with their source), "delete", "create" and "lock"; true makes it
+	 * fail. */
 	std::function<bool(std::string_view Operation, std::string_view Path)> Refuse;
 	bool bReverseWalks = false;
 
@@ -40,18 +41,33 @@ public:
 	{
 		return !IsRefused("delete", Path) && Inner.DeleteDirectory(Path);
 	}
-	bool DeleteFile(std::string_view Path) override { return !IsRefused("delete", Path) && Inner.DeleteFile(Path); }
+	bool DeleteFile(std::string_view Path, bool bEvenReadOnly = false) override
+	{
+		return !IsRefused("delete", Path) && Inner.DeleteFile(Path, bEvenReadOnly);
+	}
 	bool Move(std::string_view To, std::string_view From) override
 	{
 		return !IsRefused("move", From) && Inner.Move(To, From);
+	}
+	bool Copy(std::string_view To, std::string_view From) override
+	{
+		return !IsRefused("copy", From) && Inner.Copy(To, From);
 	}
 	bool LoadFileToString(std::string& OutText, std::string_view Path) const override
 	{
 		return Inner.LoadFileToString(OutText, Path);
 	}
+	bool LoadFileToArray(std::vector<std::byte>& OutBytes, std::string_view Path) const override
+	{
+		return Inner.LoadFileToArray(OutBytes, Path);
+	}
 	bool SaveStringToFile(std::string_view Text, std::string_view Path) override
 	{
 		return !IsRefused("save", Path) && Inner.SaveStringToFile(Text, Path);
+	}
+	std::unique_ptr<IQVFileLock> TryLock(std::string_view Path) override
+	{
+		return IsRefused("lock", Path) ? nullptr : Inner.TryLock(Path);
 	}
 
 private:

@@ -1,10 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/OsFile.h"
 
+#include "Standalone/Engine/Posix/OsFolder.h"
+
+#include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
+#include <functional>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,18 +19,6 @@ namespace QVStandalone
 namespace
 {
 constexpr mode_t AnyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
-
-std::error_code LastError()
-{
-	return {errno, std::generic_category()};
-}
-
-/** Judged by the mark on the file, not by who asks: root may write anything. */
-bool IsMarkedReadOnly(const std::filesystem::path& Path)
-{
-	struct stat Info = {};
-	return ::stat(Path.c_str(), &Info) == 0 && S_ISREG(Info.st_mode) && (Info.st_mode & AnyWriteBit) == 0;
-}
 
 std::error_code WriteAll(int File, std::string_view Bytes)
 {
@@ -38,7 +31,64 @@ std::error_code WriteAll(int File, std::string_view Bytes)
 		}
 		Bytes.remove_prefix(Written > 0 ? static_cast<std::size_t>(Written) : 0);
 	}
-	return ::fsync(File) == 0 ? std::error_code() : LastError();
+	return {};
+}
+
+/** What is left of a source, by way of our memory. */
+std::error_code AppendThroughMemory(int File, int Source)
+{
+	constexpr std::size_t ChunkBytes = 256 * 1024;
+	const auto Chunk = std::make_unique<std::array<char, ChunkBytes>>();
+	while (true)
+	{
+		const ssize_t Count = ::read(Source, Chunk->data(), Chunk->size());
+		if (Count == 0)
+		{
+			return {};
+		}
+		const std::error_code Error = Count > 0 ? WriteAll(File, {Chunk->data(), static_cast<std::size_t>(Count)})
+									  : errno == EINTR ? std::error_code()
+													   : LastError();
+		if (Error)
+		{
+			return Error;
+		}
+	}
+}
+
+/** What is left of a source. Where the system cannot copy from file to file itself, we do. */
+std::error_code AppendRest(int File, int Source)
+{
+	constexpr std::size_t ChunkBytes = std::size_t{1} << 30;
+	while (true)
+	{
+		const ssize_t Count = ::copy_file_range(Source, nullptr, File, nullptr, ChunkBytes, 0);
+		if (Count == 0)
+		{
+			return AppendThroughMemory(File, Source); // some disks say so of files that are not at their end
+		}
+		if (Count < 0 && errno != EINTR)
+		{
+			const bool bCannot =
+				errno == EXDEV || errno == EINVAL || errno == EOPNOTSUPP || errno == ENOSYS || errno == EPERM;
+			return bCannot ? AppendThroughMemory(File, Source) : LastError();
+		}
+	}
+}
+
+std::error_code AppendFile(int File, const std::filesystem::path& Source)
+{
+	const FDescriptor Opened(::open(Source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)); // a pipe would wait
+	struct stat Info = {};
+	if (!Opened.IsValid() || ::fstat(Opened.Get(), &Info) != 0)
+	{
+		return LastError();
+	}
+	if (!S_ISREG(Info.st_mode))
+	{
+		return std::make_error_code(S_ISDIR(Info.st_mode) ? std::errc::is_a_directory : std::errc::invalid_argument);
+	}
+	return AppendRest(File, Opened.Get());
 }
 
 /** The file that a path leads to, also when it is not there yet. */
@@ -56,13 +106,41 @@ std::filesystem::path FollowLinks(std::filesystem::path Path)
 std::filesystem::path TemporaryBeside(const std::filesystem::path& Target)
 {
 	static std::atomic<unsigned> Counter{0};
-	std::filesystem::path Temporary = Target;
-	Temporary += "." + std::to_string(::getpid()) + "-" + std::to_string(Counter.fetch_add(1)) + ".tmp";
-	return Temporary;
+	std::string Suffix(1, '.');
+	Suffix.append(std::to_string(::getpid()))
+		.append(1, '-')
+		.append(std::to_string(Counter.fetch_add(1)))
+		.append(".tmp");
+	return std::filesystem::path(Target) += Suffix;
 }
-} // namespace
 
-std::error_code ReplaceFile(const std::filesystem::path& Target, std::string_view Bytes)
+using FFill = std::function<std::error_code(int File)>;
+
+/** A new file with the marks of the one whose place it will take, on the disk. */
+std::error_code MakeTemporary(
+	const std::filesystem::path& Temporary, const std::filesystem::path& Real, const FFill& Fill)
+{
+	constexpr mode_t NewFile = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+	FDescriptor File(::open(Temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, NewFile));
+	if (!File.IsValid())
+	{
+		return LastError();
+	}
+	struct stat Old = {};
+	if (::stat(Real.c_str(), &Old) == 0)
+	{
+		::fchmod(File.Get(), Old.st_mode & 0777);
+	}
+	std::error_code Error = Fill(File.Get());
+	if (!Error && ::fsync(File.Get()) != 0)
+	{
+		Error = LastError();
+	}
+	const std::error_code Closing = File.Close();
+	return Error ? Error : Closing;
+}
+
+std::error_code Replace(const std::filesystem::path& Target, bool bEvenReadOnly, const FFill& Fill)
 {
 	std::error_code Ignored;
 	const std::filesystem::path Real = FollowLinks(Target);
@@ -70,27 +148,12 @@ std::error_code ReplaceFile(const std::filesystem::path& Target, std::string_vie
 	{
 		return std::make_error_code(std::errc::is_a_directory);
 	}
-	if (IsMarkedReadOnly(Real))
+	if (!bEvenReadOnly && IsMarkedReadOnly(Real))
 	{
 		return std::make_error_code(std::errc::permission_denied);
 	}
 	const std::filesystem::path Temporary = TemporaryBeside(Real);
-	constexpr mode_t NewFile = S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
-	const int File = ::open(Temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, NewFile);
-	if (File < 0)
-	{
-		return LastError();
-	}
-	struct stat Old = {};
-	if (::stat(Real.c_str(), &Old) == 0)
-	{
-		::fchmod(File, Old.st_mode & 0777);
-	}
-	std::error_code Error = WriteAll(File, Bytes);
-	if (::close(File) != 0 && !Error)
-	{
-		Error = LastError();
-	}
+	std::error_code Error = MakeTemporary(Temporary, Real, Fill);
 	if (!Error && ::rename(Temporary.c_str(), Real.c_str()) != 0)
 	{
 		Error = LastError();
@@ -98,8 +161,40 @@ std::error_code ReplaceFile(const std::filesystem::path& Target, std::string_vie
 	if (Error)
 	{
 		::unlink(Temporary.c_str());
+		return Error;
 	}
-	return Error;
+	return FlushFolderOf(Real);
+}
+} // namespace
+
+bool IsMarkedReadOnly(const std::filesystem::path& Path)
+{
+	struct stat Info = {};
+	return ::stat(Path.c_str(), &Info) == 0 && S_ISREG(Info.st_mode) && (Info.st_mode & AnyWriteBit) == 0;
+}
+
+std::error_code ReplaceFile(const std::filesystem::path& Target, std::string_view Bytes)
+{
+	return ReplaceFile(Target, std::span(&Bytes, 1));
+}
+
+std::error_code ReplaceFile(const std::filesystem::path& Target, std::span<const std::string_view> Parts)
+{
+	return Replace(Target, false,
+		[Parts](int File)
+		{
+			std::error_code Error;
+			for (const std::string_view Part : Parts)
+			{
+				Error = Error ? Error : WriteAll(File, Part);
+			}
+			return Error;
+		});
+}
+
+std::error_code CopyFileOver(const std::filesystem::path& Target, const std::filesystem::path& Source)
+{
+	return Replace(Target, true, [&Source](int File) { return AppendFile(File, Source); });
 }
 
 std::error_code MoveFileOver(const std::filesystem::path& Target, const std::filesystem::path& Source)
@@ -108,6 +203,12 @@ std::error_code MoveFileOver(const std::filesystem::path& Target, const std::fil
 	{
 		return std::make_error_code(std::errc::permission_denied);
 	}
-	return ::rename(Source.c_str(), Target.c_str()) == 0 ? std::error_code() : LastError();
+	if (::rename(Source.c_str(), Target.c_str()) != 0)
+	{
+		return LastError();
+	}
+	// the new name first: between the two a power cut may leave both, never none
+	const std::error_code Error = FlushFolderOf(Target);
+	return Error || Source.parent_path() == Target.parent_path() ? Error : FlushFolderOf(Source);
 }
 } // namespace QVStandalone

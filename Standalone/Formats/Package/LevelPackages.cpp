@@ -27,6 +27,7 @@ public:
 		World = Add(Imports.Class("/Script/Engine.World"), {}, MapName);
 		Level = Add(Imports.Class("/Script/Engine.Level"), World, "PersistentLevel");
 		AddActors();
+		AddMeshes();
 		AddStreamingLevels();
 		if (Spec.bScript)
 		{
@@ -46,6 +47,7 @@ private:
 	FPackageIndex Level;
 	FPackageIndex Settings;
 	std::vector<FPackageIndex> Actors;
+	std::vector<FPackageIndex> Meshes;
 	std::vector<FPackageIndex> Streaming;
 	FPackageIndex ScriptBlueprint;
 	FPackageIndex ScriptActor;
@@ -68,6 +70,13 @@ private:
 			{
 				WriteActor(Actors.back(), Actor);
 			}
+		}
+	}
+	void AddMeshes()
+	{
+		for (const std::string& Mesh : Spec.Meshes)
+		{
+			Meshes.push_back(Imports.Object({"/Script/Engine", "StaticMesh", LastPart(Mesh), Imports.Package(Mesh)}));
 		}
 	}
 	void AddStreamingLevels()
@@ -159,7 +168,7 @@ private:
 			{
 				To.EndProperties(At(World));
 				To.Out.Write(Level);
-				To.Indices({}); // extra referenced objects
+				To.Indices(Meshes); // extra referenced objects
 				To.Indices(Streaming);
 			});
 	}

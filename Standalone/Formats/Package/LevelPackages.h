@@ -35,6 +35,8 @@ struct FLevelPackageSpec
 	std::vector<FFunctionSpec> Functions = {};
 	/** Long package names. */
 	std::vector<std::string> StreamingLevels = {};
+	/** Static meshes that the world holds on to, long package names. */
+	std::vector<std::string> Meshes = {};
 	bool bPartitioned = false;
 	bool bExternalActors = false;
 };

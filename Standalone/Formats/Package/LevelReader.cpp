@@ -3,6 +3,8 @@
 
 #include "Standalone/Formats/Package/ObjectData.h"
 
+#include <algorithm>
+
 namespace QVFormats
 {
 namespace
@@ -22,6 +24,38 @@ bool EndsAsPackage(const FPackageSummary& Summary, FBytes File)
 FError Damaged(std::string_view What)
 {
 	return {"is damaged: " + std::string(What)};
+}
+
+/** No two objects have bytes in common, so what is read of all of them is never more than the file. */
+bool ClaimMoreThanThereIs(const FPackageHeader& Header, FBytes File)
+{
+	std::int64_t Left = static_cast<std::int64_t>(File.size());
+	for (const FPackageExport& Export : Header.Exports)
+	{
+		const std::int64_t Claim = std::max<std::int64_t>(Export.SerialSize, 0);
+		if (Claim > Left)
+		{
+			return true;
+		}
+		Left -= Claim;
+	}
+	return false;
+}
+
+/** An object that comes again becomes an empty entry: what is in a list twice is there once. */
+void EmptyRepeated(std::vector<FPackageIndex>& Indices, const FPackageHeader& Header)
+{
+	std::vector<bool> Exports(Header.Exports.size());
+	std::vector<bool> Imports(Header.Imports.size());
+	for (FPackageIndex& Index : Indices)
+	{
+		if (!Index.IsNull())
+		{
+			auto Met = Index.IsExport() ? Exports[Index.ToExport()] : Imports[Index.ToImport()];
+			Index = Met ? FPackageIndex() : Index;
+			Met = true;
+		}
+	}
 }
 
 class FMapReader
@@ -95,6 +129,7 @@ FStatus FMapReader::ReadWorld()
 	const FPackageIndex Level = ReadObjectIndex(*In, Header);
 	ReadObjectIndices(*In, Header); // extra referenced objects
 	StreamingObjects = ReadObjectIndices(*In, Header);
+	EmptyRepeated(StreamingObjects, Header);
 	if (In->Failed() || !Level.IsExport() || !IsClass(Header, ExportAt(Level.ToExport()).Class, EngineModule, "Level"))
 	{
 		return Damaged("its world has no persistent level, or the lists behind that are cut off");
@@ -131,6 +166,7 @@ FStatus FMapReader::ReadActors(FByteReader& In)
 	const std::int32_t Release = Header.Summary.CustomVersion(ReleaseKey);
 	In.Skip(Release >= 0 && Release < NoOwnerOfActors ? sizeof(FPackageIndex) : 0);
 	Map.Actors = ReadObjectIndices(In, Header);
+	EmptyRepeated(Map.Actors, Header);
 	for (int Text = 0; Text < 4; ++Text)
 	{
 		In.String(); // protocol, host, map, portal
@@ -220,6 +256,10 @@ TResult<FMapWorld> ReadMapWorld(const FPackageHeader& Header, FBytes File)
 	if (!EndsAsPackage(Header.Summary, File))
 	{
 		return FError{"is cut short or damaged: it does not end as a package does"};
+	}
+	if (ClaimMoreThanThereIs(Header, File))
+	{
+		return Damaged("its objects claim more bytes than it has");
 	}
 	return FMapReader(Header, File).Read();
 }

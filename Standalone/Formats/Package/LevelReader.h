@@ -13,7 +13,7 @@ struct FMapWorld
 	bool bPartitioned = false;
 	/** The actors lie in files of their own, below `__ExternalActors__`; some may yet be listed here. */
 	bool bExternalActors = false;
-	/** In the level's order. Null: an empty slot; an import: an actor in a file of its own. */
+	/** In the level's order, each once. Null: an empty slot; an import: an actor in a file of its own. */
 	std::vector<FPackageIndex> Actors;
 	/** Null if the level has none. */
 	FPackageIndex ScriptBlueprint;

@@ -12,6 +12,8 @@ namespace QVFormats
 namespace
 {
 constexpr std::size_t HashBytes = 4;
+/** The engine's own bound. */
+constexpr std::size_t MostNameUnits = 1023;
 
 using FCrcTable = std::array<std::uint32_t, 256>;
 
@@ -41,6 +43,11 @@ std::uint32_t AddFolded(std::uint32_t Hash, std::uint32_t Byte)
 std::uint32_t ToUpper(std::uint32_t Unit)
 {
 	return Unit >= 'a' && Unit <= 'z' ? Unit - 'a' + 'A' : Unit;
+}
+
+bool IsTooLong(const FStringView& Name)
+{
+	return Name.Bytes.size() / (Name.bWide ? 2 : 1) > MostNameUnits;
 }
 
 FError DamagedNames(const FPackageSummary& Summary)
@@ -87,6 +94,10 @@ TResult<FPackageNames> FPackageNames::Read(FBytes Header, const FPackageSummary&
 	if (Reader.Failed())
 	{
 		return DamagedNames(Summary);
+	}
+	if (std::any_of(Names.Entries.begin(), Names.Entries.end(), IsTooLong))
+	{
+		return FError{"is damaged: it has a name of more than " + std::to_string(MostNameUnits) + " characters"};
 	}
 	Names.End = Reader.Position();
 	return Names;

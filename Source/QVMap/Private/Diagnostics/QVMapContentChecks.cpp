@@ -5,6 +5,7 @@
 #include "Core/QVPath.h"
 #include "Core/QVPrintf.h"
 #include "Core/QVString.h"
+#include "Diagnostics/QVMapFindingMaker.h"
 #include "Diagnostics/QVMapRequiredActors.h"
 #include "Engine/QVEditor.h"
 #include "Engine/QVEngine.h"
@@ -16,96 +17,74 @@
 
 namespace
 {
-constexpr auto Category = EQVDiagCategory::ModContent;
-constexpr auto Error = EQVDiagSeverity::Error;
-constexpr auto Warning = EQVDiagSeverity::Warning;
-constexpr auto Info = EQVDiagSeverity::Info;
-
-template<class... Args>
-FQVText Text(std::string_view Key, std::string_view Source, Args&&... Arguments)
-{
-	return FQVDiagnosticModel::Text(Key, Source, std::forward<Args>(Arguments)...);
-}
-
-FQVText Shown(std::string_view Text)
-{
-	return FQVText::FromString(Text);
-}
-
-FQVDiagnosticFinding Pass(std::string_view Id, FQVText Title, FQVText Detail)
-{
-	return FQVDiagnosticModel::MakePassFinding(Category, Id, std::move(Title), std::move(Detail));
-}
-
-FQVDiagnosticFinding Make(
-	EQVDiagSeverity Severity, std::string_view Id, FQVText Title, FQVText Detail, FQVText Remedy = {})
-{
-	return FQVDiagnosticModel::MakeFinding(
-		Category, Severity, Id, std::move(Title), std::move(Detail), std::move(Remedy));
-}
+using enum EQVDiagSeverity;
+constexpr FQVFindingMaker Group(EQVDiagCategory::ModContent);
 
 FQVDiagnosticFinding NoMap()
 {
-	return Make(Warning, "Content.MapInPlugin", Text("ContentNoModTitle", "Map selected"),
-		Text("ContentNoModDetail", "No map is selected and none is open."),
-		Text("ContentNoModRemedy", "Pick a map above, or open one."));
+	return Group.Make(Warning, "Content.MapInPlugin", Group.Text("ContentNoModTitle", "Map selected"),
+		Group.Text("ContentNoModDetail", "No map is selected and none is open."),
+		Group.Text("ContentNoModRemedy", "Pick a map above, or open one."));
 }
 
 FQVDiagnosticFinding CheckName(const std::string& Mod)
 {
 	constexpr std::string_view Id = "Content.PluginName";
-	FQVText Title = Text("ContentNameTitle", "Map name valid");
+	FQVText Title = Group.Text("ContentNameTitle", "Map name valid");
 	std::string Reason;
 	if (FQVMapCooker::ValidatePluginName(Mod, Reason))
 	{
-		return Pass(Id, std::move(Title), Shown(Mod));
+		return Group.Pass(Id, std::move(Title), Group.Shown(Mod));
 	}
-	return Make(Error, Id, std::move(Title), Shown(Reason),
-		Text("ContentNameRemedy", "Rename the plugin folder and its .uplugin to a valid name."));
+	return Group.Make(Error, Id, std::move(Title), Group.Shown(Reason),
+		Group.Text("ContentNameRemedy", "Rename the plugin folder and its .uplugin to a valid name."));
 }
 
 FQVDiagnosticFinding CheckMounted(const std::string& Mod)
 {
 	constexpr std::string_view Id = "Content.CanContainContent";
-	FQVText Title = Text("ContentMountTitle", "Map folder set up correctly");
+	FQVText Title = Group.Text("ContentMountTitle", "Map folder set up correctly");
 	const std::optional<FQVPluginInfo> Plugin = FQVEngine::Get().Plugins->FindPlugin(Mod);
 	if (!Plugin)
 	{
-		return Make(Error, Id, std::move(Title),
-			Text("ContentNotMounted", "The editor has not loaded a plugin called '{0}'.", Mod),
-			Text("ContentNotMountedRemedy",
+		return Group.Make(Error, Id, std::move(Title),
+			Group.Text("ContentNotMounted", "The editor has not loaded a plugin called '{0}'.", Mod),
+			Group.Text("ContentNotMountedRemedy",
 				"Its .uplugin may be missing, disabled, or renamed to .uplugin.disabled by an interrupted base "
 				"release build. Restart the editor after fixing it."));
 	}
 	if (!Plugin->bCanContainContent)
 	{
-		return Make(Error, Id, std::move(Title),
-			Text("ContentCannotContain", "'{0}' has CanContainContent set to false, so its assets never mount.", Mod),
-			Text("ContentCannotContainRemedy",
+		return Group.Make(Error, Id, std::move(Title),
+			Group.Text(
+				"ContentCannotContain", "'{0}' has CanContainContent set to false, so its assets never mount.", Mod),
+			Group.Text("ContentCannotContainRemedy",
 				"Set \"CanContainContent\": true in the .uplugin and restart the editor."));
 	}
-	return Pass(Id, std::move(Title), Shown(QVPrintf("/%s/", Plugin->Name)));
+	return Group.Pass(Id, std::move(Title), Group.Shown(QVPrintf("/%s/", Plugin->Name)));
 }
 
 FQVDiagnosticFinding CheckSaved(const std::string& Mod, const IQVWorld& World)
 {
 	constexpr std::string_view Id = "Content.MapSaved";
-	FQVText Title = Text("ContentSavedTitle", "Open map saved");
+	FQVText Title = Group.Text("ContentSavedTitle", "Open map saved");
 	const std::string Package = World.GetPackageName();
 	if (World.IsTempPackage())
 	{
-		return Make(Error, Id, std::move(Title), Text("ContentNeverSaved", "The open map has never been saved."),
-			Text("ContentNeverSavedRemedy", "Save it into Plugins/{0}/Content/ - only files on disk get cooked.", Mod));
+		return Group.Make(Error, Id, std::move(Title),
+			Group.Text("ContentNeverSaved", "The open map has never been saved."),
+			Group.Text(
+				"ContentNeverSavedRemedy", "Save it into Plugins/{0}/Content/ - only files on disk get cooked.", Mod));
 	}
 	if (!World.IsPackageDirty())
 	{
-		return Pass(Id, std::move(Title), Shown(Package));
+		return Group.Pass(Id, std::move(Title), Group.Shown(Package));
 	}
 	FQVDiagnosticFinding Finding =
-		Make(Warning, Id, std::move(Title), Text("ContentDirty", "'{0}' has unsaved changes.", Package),
-			Text("ContentDirtyRemedy", "The cook reads from disk, so unsaved edits will not be in the pak."));
+		Group.Make(Warning, Id, std::move(Title), Group.Text("ContentDirty", "'{0}' has unsaved changes.", Package),
+			Group.Text("ContentDirtyRemedy", "The cook reads from disk, so unsaved edits will not be in the pak."));
 	Finding.ActionKind = EQVDiagAction::Custom;
-	Finding.ActionLabel = Text("SaveNow", "Save");
+	Finding.ActionLabel = Group.Text("SaveNow", "Save");
 	Finding.ActionCallback = [] { return FQVEngine::Get().Editor->SaveDirtyPackages(); };
 	return Finding;
 }
@@ -130,22 +109,23 @@ void CheckLevels(const std::string& Mod, FQVDiagnosticFindings& Findings)
 			External.push_back(World.AssetName.ToString());
 		}
 	}
-	FQVText Title = Text("ContentWPTitle", "No World Partition maps");
+	FQVText Title = Group.Text("ContentWPTitle", "No World Partition maps");
 	constexpr std::string_view Id = "Content.WorldPartition";
 	Findings.push_back(
 		Partitioned.empty()
-			? Pass(Id, std::move(Title), Text("ContentWPPass", "{0} map(s) checked.", Worlds.size()))
-			: Make(Error, Id, std::move(Title),
-				  Text("ContentWPFail", "World Partition map(s): {0}", FQVString::Join(Partitioned, ", ")),
-				  Text("ContentWPRemedy",
+			? Group.Pass(Id, std::move(Title), Group.Text("ContentWPPass", "{0} map(s) checked.", Worlds.size()))
+			: Group.Make(Error, Id, std::move(Title),
+				  Group.Text("ContentWPFail", "World Partition map(s): {0}", FQVString::Join(Partitioned, ", ")),
+				  Group.Text("ContentWPRemedy",
 					  "PakLoader cannot load World Partition maps. Recreate these as standard levels.")));
 	if (!External.empty())
 	{
-		Findings.push_back(Make(Warning, "Content.ExternalActors", Text("ContentOFPATitle", "No external actors"),
-			Text("ContentOFPAFail", "Map(s) using One File Per Actor: {0}", FQVString::Join(External, ", ")),
-			Text("ContentOFPARemedy",
-				"External actors live under __ExternalActors__ and do not survive the pak mount. Turn off One File "
-				"Per Actor for these levels.")));
+		Findings.push_back(
+			Group.Make(Warning, "Content.ExternalActors", Group.Text("ContentOFPATitle", "No external actors"),
+				Group.Text("ContentOFPAFail", "Map(s) using One File Per Actor: {0}", FQVString::Join(External, ", ")),
+				Group.Text("ContentOFPARemedy",
+					"External actors live under __ExternalActors__ and do not survive the pak mount. Turn off One File "
+					"Per Actor for these levels.")));
 	}
 }
 
@@ -153,8 +133,9 @@ void CheckLevels(const std::string& Mod, FQVDiagnosticFindings& Findings)
 FQVDiagnosticFinding ListPaths(
 	const std::string& Mod, const std::vector<FQVMapInfo>& Maps, std::vector<std::string>& OutFailed)
 {
-	FQVDiagnosticFinding Table = Make(Info, "Content.PathConsistency", Text("ContentPathsTitle", "Map paths"),
-		Text("ContentPathsDetail", "Cook path, manifest path and pak mount point for each map."));
+	FQVDiagnosticFinding Table =
+		Group.Make(Info, "Content.PathConsistency", Group.Text("ContentPathsTitle", "Map paths"),
+			Group.Text("ContentPathsDetail", "Cook path, manifest path and pak mount point for each map."));
 	for (const FQVMapInfo& Map : Maps)
 	{
 		std::string CookPath;
@@ -164,8 +145,8 @@ FQVDiagnosticFinding ListPaths(
 			CookPath.clear();
 			OutFailed.push_back(QVPrintf("%s (tried %s)", Map.Name, FQVString::Join(Tried, ", ")));
 		}
-		Table.Children.push_back(Make(Info, Map.Name, Shown(Map.Name),
-			Text("ContentPathRow", "cook: {0}\nmanifest: {1}\nmounts at: /{2}/{3}", CookPath, Map.GamePath, Mod,
+		Table.Children.push_back(Group.Make(Info, Map.Name, Group.Shown(Map.Name),
+			Group.Text("ContentPathRow", "cook: {0}\nmanifest: {1}\nmounts at: /{2}/{3}", CookPath, Map.GamePath, Mod,
 				FQVPath::GetBaseFilename(Map.RelativePath))));
 	}
 	return Table;
@@ -174,24 +155,25 @@ FQVDiagnosticFinding ListPaths(
 void CheckCookPaths(const std::string& Mod, FQVDiagnosticFindings& Findings)
 {
 	constexpr std::string_view Id = "Content.CookPathResolves";
-	FQVText Title = Text("ContentCookPathTitle", "Maps resolvable for cooking");
+	FQVText Title = Group.Text("ContentCookPathTitle", "Maps resolvable for cooking");
 	const FQVScanResult Scan = FQVMapScanner::ScanMods();
 	const FQVModInfo* Found = Scan.Find(Mod);
 	if (Found == nullptr || Found->Maps.empty())
 	{
-		Findings.push_back(Make(Error, Id, std::move(Title),
-			Text("ContentNoMaps", "No .umap files found in Plugins/{0}/Content/.", Mod),
-			Text("ContentNoMapsRemedy", "There is nothing to pack until a map is saved in this folder.")));
+		Findings.push_back(Group.Make(Error, Id, std::move(Title),
+			Group.Text("ContentNoMaps", "No .umap files found in Plugins/{0}/Content/.", Mod),
+			Group.Text("ContentNoMapsRemedy", "There is nothing to pack until a map is saved in this folder.")));
 		return;
 	}
 	std::vector<std::string> Failed;
 	Findings.push_back(ListPaths(Mod, Found->Maps, Failed));
 	Findings.push_back(
 		Failed.empty()
-			? Pass(Id, std::move(Title), Text("ContentCookPathPass", "{0} map(s) resolve.", Found->Maps.size()))
-			: Make(Error, Id, std::move(Title),
-				  Text("ContentCookPathFail", "Could not resolve: {0}", FQVString::Join(Failed, "; ")),
-				  Text("ContentCookPathRemedy",
+			? Group.Pass(
+				  Id, std::move(Title), Group.Text("ContentCookPathPass", "{0} map(s) resolve.", Found->Maps.size()))
+			: Group.Make(Error, Id, std::move(Title),
+				  Group.Text("ContentCookPathFail", "Could not resolve: {0}", FQVString::Join(Failed, "; ")),
+				  Group.Text("ContentCookPathRemedy",
 					  "The export will refuse to run. The map may have been moved or deleted since it was scanned.")));
 }
 
@@ -201,24 +183,24 @@ void CheckRequiredActors(const IQVWorld& World, FQVDiagnosticFindings& Findings)
 	for (const FQVRequiredActorRow& Row : Report.Rows)
 	{
 		Findings.push_back(
-			Make(Row.Severity, QVPrintf("Content.%s", Row.Id.ToView()), Row.Title, Row.Detail, Row.Remedy));
+			Group.Make(Row.Severity, QVPrintf("Content.%s", Row.Id.ToView()), Row.Title, Row.Detail, Row.Remedy));
 	}
 	if (!Report.UnloadedSublevels.empty())
 	{
-		Findings.push_back(
-			Make(Info, "Content.RequiredActorsSublevels", Text("RequiredSublevelsTitle", "Sublevels not counted"),
-				Text("RequiredSublevelsDetail", "Not loaded: {0}", FQVString::Join(Report.UnloadedSublevels, ", ")),
-				Text("RequiredSublevelsRemedy",
-					"The rows above only counted actors in loaded levels. Load these and refresh before trusting "
-					"them.")));
+		Findings.push_back(Group.Make(Info, "Content.RequiredActorsSublevels",
+			Group.Text("RequiredSublevelsTitle", "Sublevels not counted"),
+			Group.Text("RequiredSublevelsDetail", "Not loaded: {0}", FQVString::Join(Report.UnloadedSublevels, ", ")),
+			Group.Text("RequiredSublevelsRemedy",
+				"The rows above only counted actors in loaded levels. Load these and refresh before trusting "
+				"them.")));
 	}
 	if (!Report.Unresolved.empty())
 	{
-		Findings.push_back(Make(Info, "Content.RequiredActorsUnresolved",
-			Text("RequiredUnresolvedTitle", "Some map checks did not run"),
-			Text("RequiredUnresolvedDetail", "Not present in this editor: {0}",
+		Findings.push_back(Group.Make(Info, "Content.RequiredActorsUnresolved",
+			Group.Text("RequiredUnresolvedTitle", "Some map checks did not run"),
+			Group.Text("RequiredUnresolvedDetail", "Not present in this editor: {0}",
 				FQVString::Join(Report.Unresolved, ", ")),
-			Text("RequiredUnresolvedRemedy",
+			Group.Text("RequiredUnresolvedRemedy",
 				"Your {0} plugin is older than these checks. Update it, or these conditions go unchecked.",
 				"QUARVEL")));
 	}
@@ -227,24 +209,24 @@ void CheckRequiredActors(const IQVWorld& World, FQVDiagnosticFindings& Findings)
 FQVDiagnosticFinding CheckSecurity(const std::string& Mod, const IQVWorld* World)
 {
 	constexpr std::string_view Id = "Content.Security";
-	FQVText Title = Text("ContentSecurityTitle", "Content allowed in a packed map");
+	FQVText Title = Group.Text("ContentSecurityTitle", "Content allowed in a packed map");
 	const FQVSecurityScanResult Scan = FQVMapSecurityScanner::ScanForMapEligibility(Mod, World, {});
 	if (Scan.bIsMap)
 	{
-		return Pass(
-			Id, std::move(Title), Text("ContentSecurityPass", "No disallowed assets, actors or level script found."));
+		return Group.Pass(Id, std::move(Title),
+			Group.Text("ContentSecurityPass", "No disallowed assets, actors or level script found."));
 	}
-	FQVDiagnosticFinding Finding = Make(Error, Id, std::move(Title),
-		Text("ContentSecurityFail", "{0} unsupported item(s) in this map.", Scan.Violations.size()),
-		Text("ContentSecurityRemedy",
+	FQVDiagnosticFinding Finding = Group.Make(Error, Id, std::move(Title),
+		Group.Text("ContentSecurityFail", "{0} unsupported item(s) in this map.", Scan.Violations.size()),
+		Group.Text("ContentSecurityRemedy",
 			"Packing is blocked until these are removed. The game refuses to load a map containing them."));
 	for (const FQVSecurityViolation& Each : Scan.Violations)
 	{
-		Finding.Children.push_back(Make(Error, QVPrintf("Content.Security.%s", Each.Category), Shown(Each.Category),
-			Shown(Each.Detail),
-			Each.bAutoFixable
-				? Text("SecurityAutoFixable", "This one can be fixed automatically from the Play or Package dialog.")
-				: FQVText()));
+		Finding.Children.push_back(Group.Make(Error, QVPrintf("Content.Security.%s", Each.Category),
+			Group.Shown(Each.Category), Group.Shown(Each.Detail),
+			Each.bAutoFixable ? Group.Text("SecurityAutoFixable",
+									"This one can be fixed automatically from the Play or Package dialog.")
+							  : FQVText()));
 	}
 	return Finding;
 }

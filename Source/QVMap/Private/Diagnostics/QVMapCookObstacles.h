@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Core/QVNameSet.h"
+#include "Content/QVMapReferenceAudit.h"
 #include "Diagnostics/QVMapDiagnosticReport.h"
 
 /** What will stop a cook and can be seen before it begins. Findings of the reference group. Game thread. */
@@ -12,6 +12,10 @@ struct FQVMapCookObstacles
 
 	/** Files that the registry could not read; those of the mod are errors. */
 	static FQVDiagnosticFinding CheckUnreadable(const std::string& Mod);
+	/** Packages that 5.4 will not load; those of the mod are errors. */
+	static FQVDiagnosticFinding CheckEngine(const FQVReferenceAudit& Audit);
+	/** References out of the mod's packages that a disk takes only if it does not tell upper from lower case. */
+	static FQVDiagnosticFinding CheckLetterCase(const FQVNameSet& Packages);
 	/** Whether what the cook makes of the mod's packages has paths that Windows takes. */
 	static FQVDiagnosticFinding CheckCookedPaths(const std::string& Mod, const FQVNameSet& Packages);
 };

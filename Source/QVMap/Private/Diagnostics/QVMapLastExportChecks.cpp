@@ -3,6 +3,7 @@
 
 #include "Core/QVPath.h"
 #include "Core/QVString.h"
+#include "Diagnostics/QVMapFindingMaker.h"
 #include "Engine/QVEngine.h"
 #include "Engine/QVFiles.h"
 #include "Export/QVMapLastExport.h"
@@ -10,85 +11,55 @@
 
 namespace
 {
-constexpr auto Category = EQVDiagCategory::LastExport;
-constexpr auto Warning = EQVDiagSeverity::Warning;
-constexpr auto Info = EQVDiagSeverity::Info;
-
-template<class... Args>
-FQVText Text(std::string_view Key, std::string_view Source, Args&&... Arguments)
-{
-	return FQVDiagnosticModel::Text(Key, Source, std::forward<Args>(Arguments)...);
-}
-
-FQVDiagnosticFinding Pass(std::string_view Id, FQVText Title, FQVText Detail)
-{
-	return FQVDiagnosticModel::MakePassFinding(Category, Id, std::move(Title), std::move(Detail));
-}
-
-FQVDiagnosticFinding Make(
-	EQVDiagSeverity Severity, std::string_view Id, FQVText Title, FQVText Detail, FQVText Remedy = {})
-{
-	return FQVDiagnosticModel::MakeFinding(
-		Category, Severity, Id, std::move(Title), std::move(Detail), std::move(Remedy));
-}
+using enum EQVDiagSeverity;
+constexpr FQVFindingMaker Group(EQVDiagCategory::LastExport);
 
 const IQVFiles& Files()
 {
 	return *FQVEngine::Get().Files;
 }
 
-void OfferFolder(FQVDiagnosticFinding& Finding, std::string_view File)
-{
-	Finding.ActionKind = EQVDiagAction::OpenFolder;
-	Finding.ActionLabel = Text("OpenFolder", "Open Folder");
-	Finding.ActionPath = FQVPath::GetPath(File);
-}
-
-void OfferFile(FQVDiagnosticFinding& Finding, FQVText Label, const std::string& File)
-{
-	Finding.ActionKind = EQVDiagAction::OpenFile;
-	Finding.ActionLabel = std::move(Label);
-	Finding.ActionPath = File;
-}
-
 FQVDiagnosticFinding TellNoRecord()
 {
 	constexpr std::string_view Id = "Export.Record";
-	FQVText Title = Text("ExportRecordTitle", "Last export known");
+	FQVText Title = Group.Text("ExportRecordTitle", "Last export known");
 	const std::string Path = FQVMapLastExport::GetLastExportRecordPath();
 	if (!Files().FileExists(Path))
 	{
-		return Make(Info, Id, std::move(Title), Text("ExportNone", "Nothing has been exported from this project yet."));
+		return Group.Make(
+			Info, Id, std::move(Title), Group.Text("ExportNone", "Nothing has been exported from this project yet."));
 	}
-	FQVDiagnosticFinding Finding =
-		Make(Warning, Id, std::move(Title), Text("ExportUnreadable", "The record could not be read: {0}", Path),
-			Text("ExportUnreadableRemedy", "The next export writes a new one."));
-	OfferFile(Finding, Text("OpenRecord", "Open Record"), Path);
+	FQVDiagnosticFinding Finding = Group.Make(Warning, Id, std::move(Title),
+		Group.Text("ExportUnreadable", "The record could not be read: {0}", Path),
+		Group.Text("ExportUnreadableRemedy", "The next export writes a new one."));
+	Group.OfferFile(Finding, Group.Text("OpenRecord", "Open Record"), Path);
 	return Finding;
 }
 
 FQVDiagnosticFinding TellOther(const FQVLastExportRecord& Record)
 {
-	return Make(Info, "Export.Record", Text("ExportRecordTitle", "Last export known"),
-		Text("ExportOther", "The last export was of '{0}', {1}.", Record.PluginName, Record.Timestamp.ToDisplayText()));
+	return Group.Make(Info, "Export.Record", Group.Text("ExportRecordTitle", "Last export known"),
+		Group.Text(
+			"ExportOther", "The last export was of '{0}', {1}.", Record.PluginName, Record.Timestamp.ToDisplayText()));
 }
 
 FQVDiagnosticFinding TellOutcome(const FQVLastExportRecord& Record)
 {
 	constexpr std::string_view Id = "Export.Result";
-	FQVText Title = Text("ExportResultTitle", "Last export succeeded");
+	FQVText Title = Group.Text("ExportResultTitle", "Last export succeeded");
 	const std::string Time = Record.Timestamp.ToDisplayText();
 	if (Record.bSuccess)
 	{
-		return Pass(Id, std::move(Title), Text("ExportSucceeded", "'{0}' was exported {1}.", Record.PluginName, Time));
+		return Group.Pass(
+			Id, std::move(Title), Group.Text("ExportSucceeded", "'{0}' was exported {1}.", Record.PluginName, Time));
 	}
-	FQVDiagnosticFinding Finding = Make(Warning, Id, std::move(Title),
-		Text("ExportFailed", "The export of '{0}' {1} failed while {2}: {3}", Record.PluginName, Time,
+	FQVDiagnosticFinding Finding = Group.Make(Warning, Id, std::move(Title),
+		Group.Text("ExportFailed", "The export of '{0}' {1} failed while {2}: {3}", Record.PluginName, Time,
 			Record.FailedStage, Record.ErrorMessage),
-		Text("ExportFailedRemedy", "Remove the reason and export again."));
+		Group.Text("ExportFailedRemedy", "Remove the reason and export again."));
 	if (!Record.LogPath.empty() && Files().FileExists(Record.LogPath))
 	{
-		OfferFile(Finding, Text("OpenLog", "Open Log"), Record.LogPath);
+		Group.OfferFile(Finding, Group.Text("OpenLog", "Open Log"), Record.LogPath);
 	}
 	return Finding;
 }
@@ -96,26 +67,26 @@ FQVDiagnosticFinding TellOutcome(const FQVLastExportRecord& Record)
 FQVDiagnosticFinding TellPak(const FQVLastExportRecord& Record)
 {
 	constexpr std::string_view Id = "Export.Pak";
-	FQVText Title = Text("ExportPakTitle", "Pak still there");
+	FQVText Title = Group.Text("ExportPakTitle", "Pak still there");
 	if (!Files().FileExists(Record.PakPath))
 	{
-		return Make(Warning, Id, std::move(Title), Text("ExportPakGone", "No longer there: {0}", Record.PakPath),
-			Text("ExportPakGoneRemedy", "Export again to get a new one."));
+		return Group.Make(Warning, Id, std::move(Title),
+			Group.Text("ExportPakGone", "No longer there: {0}", Record.PakPath),
+			Group.Text("ExportPakGoneRemedy", "Export again to get a new one."));
 	}
-	FQVDiagnosticFinding Finding = Pass(Id, std::move(Title),
-		Text("ExportPakThere", "{0} ({1})", Record.PakPath,
-			FQVDiagnosticModel::FormatBytes(Files().FileSize(Record.PakPath))));
-	OfferFolder(Finding, Record.PakPath);
+	FQVDiagnosticFinding Finding = Group.Pass(Id, std::move(Title),
+		Group.Text("ExportPakThere", "{0} ({1})", Record.PakPath, Group.FormatBytes(Files().FileSize(Record.PakPath))));
+	Group.OfferFolderOf(Finding, Record.PakPath);
 	return Finding;
 }
 
 FQVDiagnosticFinding TellContent(const FQVLastExportRecord& Record)
 {
-	return Make(Info, "Export.Content", Text("ExportContentTitle", "What the pak holds"),
+	return Group.Make(Info, "Export.Content", Group.Text("ExportContentTitle", "What the pak holds"),
 		Record.bFilterUnusedActive
-			? Text("ExportContentFiltered", "{0} file(s) of {1} map(s); {2} unused file(s) were left out.",
+			? Group.Text("ExportContentFiltered", "{0} file(s) of {1} map(s); {2} unused file(s) were left out.",
 				  Record.FilesPacked, Record.MapsCooked.size(), Record.FilesSkipped)
-			: Text("ExportContent", "{0} file(s) of {1} map(s).", Record.FilesPacked, Record.MapsCooked.size()));
+			: Group.Text("ExportContent", "{0} file(s) of {1} map(s).", Record.FilesPacked, Record.MapsCooked.size()));
 }
 
 struct FChanges
@@ -147,32 +118,33 @@ FChanges FindChangesSince(const std::string& Folder, FQVDateTime Time)
 FQVDiagnosticFinding TellAge(const FQVLastExportRecord& Record)
 {
 	constexpr std::string_view Id = "Export.UpToDate";
-	FQVText Title = Text("ExportAgeTitle", "Pak newer than the map");
+	FQVText Title = Group.Text("ExportAgeTitle", "Pak newer than the map");
 	const std::string Content = FQVPath::Combine(FQVMapPaths::GetPluginsDir(), Record.PluginName, "Content");
 	const FChanges Changes = FindChangesSince(Content, Files().GetTimeStamp(Record.PakPath));
 	if (Changes.Count == 0)
 	{
-		return Pass(Id, std::move(Title), Text("ExportAgePass", "No file of the map has changed since."));
+		return Group.Pass(Id, std::move(Title), Group.Text("ExportAgePass", "No file of the map has changed since."));
 	}
 	std::string Newest = Changes.Newest;
 	FQVPath::MakePathRelativeTo(Newest, Content + "/");
-	return Make(Info, Id, std::move(Title),
-		Text("ExportAgeChanged", "{0} file(s) of the map have changed since, the last was {1}.", Changes.Count, Newest),
-		Text("ExportAgeRemedy", "Export again to have the changes in the pak."));
+	return Group.Make(Info, Id, std::move(Title),
+		Group.Text(
+			"ExportAgeChanged", "{0} file(s) of the map have changed since, the last was {1}.", Changes.Count, Newest),
+		Group.Text("ExportAgeRemedy", "Export again to have the changes in the pak."));
 }
 
 FQVDiagnosticFinding TellLog(const FQVLastExportRecord& Record)
 {
 	constexpr std::string_view Id = "Export.Log";
-	FQVText Title = Text("ExportLogTitle", "Export log still there");
+	FQVText Title = Group.Text("ExportLogTitle", "Export log still there");
 	if (Record.LogPath.empty() || !Files().FileExists(Record.LogPath))
 	{
-		return Make(Info, Id, std::move(Title),
-			Record.LogPath.empty() ? Text("ExportLogNone", "The export wrote no log.")
-								   : Text("ExportLogGone", "No longer there: {0}", Record.LogPath));
+		return Group.Make(Info, Id, std::move(Title),
+			Record.LogPath.empty() ? Group.Text("ExportLogNone", "The export wrote no log.")
+								   : Group.Text("ExportLogGone", "No longer there: {0}", Record.LogPath));
 	}
-	FQVDiagnosticFinding Finding = Pass(Id, std::move(Title), FQVText::FromString(Record.LogPath));
-	OfferFile(Finding, Text("OpenLog", "Open Log"), Record.LogPath);
+	FQVDiagnosticFinding Finding = Group.Pass(Id, std::move(Title), Group.Shown(Record.LogPath));
+	Group.OfferFile(Finding, Group.Text("OpenLog", "Open Log"), Record.LogPath);
 	return Finding;
 }
 } // namespace

@@ -83,6 +83,15 @@ struct FQVUnreadablePackage
 	std::string Reason;
 };
 
+/** A reference that the file it leads to has in other letters: on a disk that tells upper from lower case it fails. */
+struct FQVMisspelledReference
+{
+	/** The package as the referring one spells it. */
+	std::string Reference;
+	/** The same package as its file and folders spell it. */
+	std::string OnDisk;
+};
+
 enum class EQVDependencyQuery : std::uint8_t
 {
 	All,
@@ -103,6 +112,8 @@ public:
 	virtual bool IsLoadingAssets() const = 0;
 	/** Brings the packages below a folder of the disk up to date before it returns. */
 	virtual void ScanPathsSynchronous(std::string_view Folder) = 0;
+	/** Brings the packages of these files up to date, also of files that are new or gone. */
+	virtual void ScanModifiedAssetFiles(std::span<const std::string> Files) = 0;
 
 	/** In alphabetical order of the packages' names. */
 	virtual void GetAssets(const FQVAssetFilter& Filter, std::vector<FQVAssetData>& Out) const = 0;
@@ -119,6 +130,10 @@ public:
 	virtual std::optional<std::int64_t> GetPackageSize(FQVName Package) const = 0;
 	/** Files, and folders, that could not be read; in their order. */
 	virtual void GetUnreadablePackages(std::vector<FQVUnreadablePackage>& Out) const = 0;
+	/** The engine that saved a package, "UE 5.6.0-43139311", if 5.4 is too old to load it; else empty. */
+	virtual std::string GetNewerEngine(FQVName Package) const = 0;
+	/** None for a package that is not known; what it refers to and is not there is not among them. */
+	virtual void GetMisspelledReferences(FQVName Package, std::vector<FQVMisspelledReference>& Out) const = 0;
 	/** False if the asset has no such tag. Tags' names heed no case. */
 	virtual bool GetTagValue(const FQVAssetData& Asset, std::string_view Tag, std::string& Out) const = 0;
 };

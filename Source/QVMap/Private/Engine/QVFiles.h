@@ -3,15 +3,24 @@
 
 #include "Core/QVDateTime.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
+/** A lock that is held as long as this lives. */
+struct IQVFileLock
+{
+	virtual ~IQVFileLock() = default;
+};
+
 /**
  * The platform file, the file manager and the file helper. Paths are UTF-8, absolute, with either slash. Every
- * operation may be called on any thread. A failure is a false or an empty result; the engine logs its reason.
+ * operation may be called on any thread. A failure is a false or an empty result; the engine logs its reason. What an
+ * operation on the disk has reported as done is not undone by a power cut.
  */
 class IQVFiles
 {
@@ -37,12 +46,26 @@ public:
 	virtual bool CreateDirectoryTree(std::string_view Path) = 0;
 	/** The folder and all below it; true if it is gone afterwards. */
 	virtual bool DeleteDirectory(std::string_view Path) = 0;
-	virtual bool DeleteFile(std::string_view Path) = 0;
+	/** A file that is marked read-only may be refused, as the system has it, unless it is to go even so. */
+	virtual bool DeleteFile(std::string_view Path, bool bEvenReadOnly = false) = 0;
 	/** A file to a new place, replacing a file that is there. A read-only file is not moved. */
 	virtual bool Move(std::string_view To, std::string_view From) = 0;
+	/**
+	 * Replaces what is there, even if that is read-only; marks of From are not taken over, those of what is replaced
+	 * stay. Appears whole or not at all. The folder has to be there.
+	 */
+	virtual bool Copy(std::string_view To, std::string_view From) = 0;
 
 	/** Any of the encodings that the engine's text files come in, as UTF-8; a bad byte becomes U+FFFD. */
 	virtual bool LoadFileToString(std::string& OutText, std::string_view Path) const = 0;
+	/** Bytes of a file into a buffer whose memory is used again. */
+	virtual bool LoadFileToArray(std::vector<std::byte>& OutBytes, std::string_view Path) const = 0;
 	/** The default encoding: single bytes for ASCII, else UTF-16 with a mark. The file appears whole or not at all. */
 	virtual bool SaveStringToFile(std::string_view Text, std::string_view Path) = 0;
+
+	/**
+	 * Held by one program at a time, by one owner in it; the system lets go of it when the program dies. Null if
+	 * somebody else holds it, or if the file cannot be made. The file goes with the lock.
+	 */
+	virtual std::unique_ptr<IQVFileLock> TryLock(std::string_view Path) = 0;
 };

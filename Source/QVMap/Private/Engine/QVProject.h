@@ -17,4 +17,6 @@ public:
 	virtual std::string EngineVersion() const = 0;
 	/** File name of a release's development registry. */
 	virtual std::string DevelopmentAssetRegistryFilename() const = 0;
+	/** The editor's program runs without its windows: nobody can be asked anything. */
+	virtual bool IsRunningCommandlet() const = 0;
 };

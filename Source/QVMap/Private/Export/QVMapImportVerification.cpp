@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+#include "Export/QVMapImportVerification.h"
+
+#include "Core/QVLog.h"
+#include "Core/QVString.h"
+#include "Core/QVTextSearch.h"
+#include "Engine/QVEngine.h"
+#include "Engine/QVFiles.h"
+
+namespace
+{
+std::vector<std::string> ImportedNames(const FQVImportResult& Import)
+{
+	std::vector<std::string> Names;
+	for (const FQVImportedPackage& Copy : Import.Imported)
+	{
+		Names.push_back(Copy.Imported.ToString());
+	}
+	return Names;
+}
+
+std::string FindVanished(const FQVImportResult& Import)
+{
+	std::vector<std::string> Vanished;
+	for (const FQVImportedPackage& Copy : Import.Imported)
+	{
+		if (!FQVEngine::Get().Files->FileExists(Copy.File))
+		{
+			Vanished.push_back(Copy.Imported.ToString());
+		}
+	}
+	if (Vanished.empty())
+	{
+		return {};
+	}
+	QVLog(EQVLogVerbosity::Error, "QVMap: %d imported cop(ies) vanished before the cook", Vanished.size());
+	return QVPrintf(
+		"%d asset(s) copied into the map's folder for packing have been deleted again before the cook could "
+		"read them:\n\n  %s\n\nSomething else is writing to this project while it packs.",
+		Vanished.size(), FQVString::Join(Vanished, "\n  "));
+}
+
+/** Each file once, one at a time: which copies another file than their own mentions. */
+class FMentions
+{
+public:
+	explicit FMentions(const FQVImportResult& Import)
+		: Mentioned(Import.Imported.size())
+		, Search(ImportedNames(Import))
+	{
+	}
+
+	static constexpr std::size_t NoCopy = static_cast<std::size_t>(-1);
+	std::vector<bool> Mentioned;
+
+	/** False if the file cannot be read. Own: the place of the copy that lies in it. */
+	bool Read(const std::string& File, std::size_t Own)
+	{
+		if (!FQVEngine::Get().Files->LoadFileToArray(Bytes, File))
+		{
+			return false;
+		}
+		Search.Find(Bytes, Found);
+		for (const std::size_t Place : Found)
+		{
+			Mentioned[Place] = Mentioned[Place] || Place != Own;
+		}
+		return true;
+	}
+
+private:
+	FQVTextSearch Search;
+	std::vector<std::byte> Bytes;
+	std::vector<std::size_t> Found;
+};
+
+std::string ReadAll(const FQVImportResult& Import, FMentions& Mentions)
+{
+	std::string Unreadable;
+	for (const FQVImportBackup& Backup : Import.Backups)
+	{
+		if (Unreadable.empty() && !Mentions.Read(Backup.Original, FMentions::NoCopy))
+		{
+			Unreadable = Backup.Original;
+		}
+	}
+	for (std::size_t Place = 0; Place < Import.Imported.size(); ++Place)
+	{
+		if (Unreadable.empty() && !Mentions.Read(Import.Imported[Place].File, Place))
+		{
+			Unreadable = Import.Imported[Place].File;
+		}
+	}
+	return Unreadable;
+}
+
+std::string TellUnmentioned(const FQVImportResult& Import, const FMentions& Mentions)
+{
+	std::vector<std::string> Missing;
+	for (std::size_t Place = 0; Place < Import.Imported.size(); ++Place)
+	{
+		if (!Mentions.Mentioned[Place])
+		{
+			const FQVImportedPackage& Copy = Import.Imported[Place];
+			Missing.push_back(Copy.Imported.ToString());
+			QVLog(EQVLogVerbosity::Error, "QVMap: Post-save verification: no reference to %s (copy of %s)",
+				Copy.Imported.ToView(), Copy.Source.ToView());
+		}
+	}
+	if (Missing.empty())
+	{
+		return {};
+	}
+	QVLog(EQVLogVerbosity::Error, "QVMap: Post-save verification failed for %d package(s)", Missing.size());
+	return QVPrintf(
+		"The map was updated to use the content brought in for packing, but the file written to disk does not mention "
+		"%d of them:\n\n  %s\n\nThe pack was stopped before the cook and the project has been put back the way it was, "
+		"so nothing has been lost.\n\nSomething put the old file back between saving it and reading it again: revision "
+		"control connected in the editor, a cloud-synced project folder, or an antivirus. Turn those off and pack "
+		"again.\n\nIf none of those apply, send this message and Saved/Logs/ to us. It is this check that stopped the "
+		"pack, and the check can be wrong.",
+		Missing.size(), FQVString::Join(Missing, "\n  "));
+}
+} // namespace
+
+std::string FQVMapImportVerification::VerifyImportedReferences(const FQVImportResult& Import)
+{
+	if (std::string Vanished = FindVanished(Import); !Vanished.empty())
+	{
+		return Vanished;
+	}
+	FMentions Mentions(Import);
+	if (const std::string Unreadable = ReadAll(Import, Mentions); !Unreadable.empty())
+	{
+		return QVPrintf("Could not read '%s' back after saving it, so there is no way to tell whether the map still "
+						"points at the content brought in for packing.",
+			Unreadable);
+	}
+	return TellUnmentioned(Import, Mentions);
+}
