@@ -41,6 +41,7 @@ void RunGroup(bool FQVDiagnosticOptions::*Group)
 
 void Scan(FStandaloneEngine& Engine)
 {
+	Engine.GetAssetRegistry().TrustLastScan();
 	Engine.GetAssetRegistry().StartScan();
 	Engine.GetAssetRegistry().FinishScan();
 }

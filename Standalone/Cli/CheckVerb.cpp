@@ -173,7 +173,7 @@ EExitCode Check(FCommandLine& Line, const FCheckOptions& Options)
 {
 	const std::unique_ptr<FSession> Session = FSession::Open(Line);
 	FTarget Target;
-	if (Session == nullptr || !ChooseTarget(*Session, Options, Target) || !ScanRegistry(*Session))
+	if (Session == nullptr || !ChooseTarget(*Session, Options, Target) || !ScanRegistryOnce(*Session))
 	{
 		return EExitCode::Failed;
 	}

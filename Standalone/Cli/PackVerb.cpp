@@ -3,6 +3,7 @@
 #include "Core/QVPath.h"
 #include "Core/QVString.h"
 #include "Core/QVText.h"
+#include "Export/QVMapImportPaths.h"
 #include "Export/QVMapImportScope.h"
 #include "Export/QVMapLastExport.h"
 #include "Export/QVMapPipeline.h"
@@ -175,6 +176,21 @@ public:
 		return Import->GetResult().bSuccess || Refuse(Session, Import->GetResult().ErrorMessage);
 	}
 
+	/** The project is as it was again. False, with where to find the originals told, if it is not. */
+	bool Finish(FSession& Session, const std::string& Mod)
+	{
+		Import.reset();
+		const std::string Journal = FQVMapImportPaths::GetJournalFolder(Mod);
+		if (!Session.Engine.Interfaces.Files->FileExists(FQVMapImportPaths::GetManifestPath(Mod)))
+		{
+			return true;
+		}
+		Session.Console.Fail(
+			QVPrintf("%s could not be put back as it was. Its original files are in %s", Mod, Journal));
+		Session.Console.Say("  fix: qvmap recover");
+		return false;
+	}
+
 private:
 	FQVMapPackLock Lock;
 	std::optional<FQVImportScope> Import;
@@ -186,6 +202,12 @@ private:
 		return false;
 	}
 };
+
+EExitCode TellUnknown(FSession& Session, const FPackOptions& Options)
+{
+	TellFailure(Session, Options, QVPrintf("there is no mod '%s': see qvmap maps", Options.Mod));
+	return EExitCode::Failed;
+}
 
 EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 {
@@ -202,9 +224,9 @@ EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 	{
 		return EExitCode::Failed;
 	}
-	if (bKnown && Options.bDryRun)
+	if (Options.bDryRun)
 	{
-		return TellImportPlan(*Session, Options.Mod, Line.Options.bJson);
+		return bKnown ? TellImportPlan(*Session, Options.Mod, Line.Options.bJson) : TellUnknown(*Session, Options);
 	}
 	if (bKnown && !Preparation.Prepare(*Session, Options.Mod))
 	{
@@ -220,10 +242,11 @@ EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 	Session->RunBlocking([&]
 		{ Result = FQVMapPipeline::ExportMod(Options.Mod, ExportVersion, UsedPackages, Progress, Options.StartMap); });
 
+	const bool bWhole = !bKnown || Preparation.Finish(*Session, Options.Mod);
 	const FQVLastExportRecord Record = ReadRecord(Result);
 	if (Line.Options.bJson)
 	{
-		Console.Document(ToJson(Options, Result, Record));
+		Console.Document(ToJson(Options, Result, Record).Set("project_put_back", bWhole));
 	}
 	if (!Result.bSuccess)
 	{
@@ -240,7 +263,7 @@ EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 	{
 		PrintText(Console, Result, Record);
 	}
-	return EExitCode::Done;
+	return bWhole ? EExitCode::Done : EExitCode::Failed;
 }
 } // namespace
 

@@ -26,6 +26,15 @@ struct FPending
 	bool bReadable = false;
 	FQVImportResult Import;
 	bool bRecovered = false;
+	/** Of originals, how many have a backup. */
+	std::size_t Backups = 0;
+};
+
+/** Copies that a pack which was cut off while it saved them could not note any more. */
+struct FStrayCopies
+{
+	std::string Folder;
+	bool bRemoved = false;
 };
 
 std::vector<FPending> FindPending()
@@ -36,30 +45,57 @@ std::vector<FPending> FindPending()
 		FPending& Each = All.emplace_back();
 		Each.Mod = Mod;
 		Each.bReadable = FQVMapImportJournal::ReadImportManifest(Mod, Each.Import);
+		for (const FQVImportBackup& Backup : Each.Import.Backups)
+		{
+			Each.Backups += FQVEngine::Get().Files->FileExists(Backup.Backup) ? 1 : 0;
+		}
 	}
 	return All;
 }
 
-/** Copies that a pack which was cut off while it saved them could not note any more. */
-std::vector<std::string> FindStrayCopies(const std::vector<FPending>& Pending)
+/** What stands in the way of a mod that is not recovered, for the user. */
+std::string DescribeObstacle(const FPending& Each)
 {
-	std::vector<std::string> Strays;
+	if (!FQVMapPackLock(Each.Mod).IsHeld())
+	{
+		return "being packed by another run: left alone";
+	}
+	const std::string Folder = FQVMapImportPaths::GetJournalFolder(Each.Mod);
+	if (!FQVEngine::Get().Files->FileExists(FQVMapImportPaths::GetManifestPath(Each.Mod)))
+	{
+		return QVPrintf("nothing of it was changed yet; what is left in %s can be deleted", Folder);
+	}
+	return QVPrintf("%s; its originals are in %s", Each.bReadable ? "NOT put back" : "left alone", Folder);
+}
+
+/** Under the mod's lock, since a pack that runs has its copies there too. */
+bool RemoveCopies(const std::string& Mod)
+{
+	const FQVMapPackLock Lock(Mod);
+	const IQVFiles& Files = *FQVEngine::Get().Files;
+	return Lock.IsHeld() && !Files.FileExists(FQVMapImportPaths::GetManifestPath(Mod)) &&
+		   FQVEngine::Get().Files->DeleteDirectory(FQVMapImportPaths::GetCopiesFolder(Mod));
+}
+
+std::vector<FStrayCopies> FindStrayCopies(const std::vector<FPending>& Pending, bool bRemove)
+{
+	std::vector<FStrayCopies> Strays;
 	FQVEngine::Get().Files->IterateDirectory(FQVMapPaths::GetPluginsDir(),
 		[&](std::string_view Plugin, bool bIsDirectory)
 		{
-			const std::string_view Mod = FQVPath::GetCleanFilename(Plugin);
+			const std::string Mod(FQVPath::GetCleanFilename(Plugin));
 			const bool bUndone = std::all_of(Pending.begin(), Pending.end(),
-				[Mod](const FPending& Each) { return Each.Mod != Mod || Each.bRecovered; });
+				[&Mod](const FPending& Each) { return Each.Mod != Mod || Each.bRecovered; });
 			if (bIsDirectory && bUndone && FQVMapImportJournal::HasCopies(Mod))
 			{
-				Strays.push_back(FQVMapImportPaths::GetCopiesFolder(Mod));
+				Strays.push_back({FQVMapImportPaths::GetCopiesFolder(Mod), bRemove && RemoveCopies(Mod)});
 			}
 			return true;
 		});
 	return Strays;
 }
 
-FQVJson ToJson(const std::vector<FPending>& Pending, const std::vector<std::string>& Strays)
+FQVJson ToJson(const std::vector<FPending>& Pending, const std::vector<FStrayCopies>& Strays)
 {
 	FQVJson List = FQVJson::Array();
 	for (const FPending& Each : Pending)
@@ -73,39 +109,54 @@ FQVJson ToJson(const std::vector<FPending>& Pending, const std::vector<std::stri
 					 .Set("mod", Each.Mod)
 					 .Set("readable", Each.bReadable)
 					 .Set("recovered", Each.bRecovered)
+					 .Set("obstacle", Each.bRecovered ? std::string() : DescribeObstacle(Each))
 					 .Set("originals", std::move(Files))
 					 .Set("copies", Each.Import.Imported.size())
 					 .Set("backup_folder", FQVMapImportPaths::GetJournalFolder(Each.Mod)));
 	}
+	FQVJson Copies = FQVJson::Array();
+	for (const FStrayCopies& Each : Strays)
+	{
+		Copies.Add(FQVJson::Object().Set("folder", Each.Folder).Set("removed", Each.bRemoved));
+	}
 	return FQVJson::Object()
 		.Set("schema_version", 1)
 		.Set("interrupted", std::move(List))
-		.Set("stray_copies", FQVJson::Array(Strays));
+		.Set("stray_copies", std::move(Copies));
 }
 
 void PrintOne(FConsole& Console, const FPending& Each, bool bDryRun)
 {
-	if (!Each.bReadable)
+	if (!Each.bRecovered && !(bDryRun && Each.bReadable))
 	{
-		Console.Result(QVPrintf(
-			"%s: left alone; its originals are in %s", Each.Mod, FQVMapImportPaths::GetJournalFolder(Each.Mod)));
+		Console.Result(QVPrintf("%s: %s", Each.Mod, DescribeObstacle(Each)));
 		return;
 	}
-	const std::string_view Did = Each.bRecovered ? "put back" : bDryRun ? "would be put back" : "NOT put back";
-	Console.Result(QVPrintf("%s: %d file(s) %s, %d copy(s) to delete", Each.Mod, Each.Import.Backups.size(), Did,
-		Each.Import.Imported.size()));
+	Console.Result(QVPrintf("%s: %d of %d file(s) %s, %d copy(s) %s", Each.Mod, Each.Backups,
+		Each.Import.Backups.size(), bDryRun ? "would be put back" : "put back", Each.Import.Imported.size(),
+		bDryRun ? "would be deleted" : "deleted"));
 	for (const FQVImportBackup& Backup : Each.Import.Backups)
 	{
 		Console.Result("  " + Backup.Original);
 	}
 }
 
-void PrintStrays(FConsole& Console, const std::vector<std::string>& Strays, bool bRemoved)
+void PrintText(
+	FConsole& Console, const std::vector<FPending>& Pending, const std::vector<FStrayCopies>& Strays, bool bDryRun)
 {
-	for (const std::string& Folder : Strays)
+	for (const FPending& Each : Pending)
 	{
-		Console.Result(QVPrintf("%s: %s", Folder,
-			bRemoved ? "deleted" : "copies that an interrupted pack left; qvmap recover --remove-copies deletes them"));
+		PrintOne(Console, Each, bDryRun);
+	}
+	for (const FStrayCopies& Each : Strays)
+	{
+		Console.Result(QVPrintf("%s: %s", Each.Folder,
+			Each.bRemoved ? "deleted"
+						  : "copies that an interrupted pack left; qvmap recover --remove-copies deletes them"));
+	}
+	if (Pending.empty() && Strays.empty())
+	{
+		Console.Result("Nothing to put back.");
 	}
 }
 
@@ -124,29 +175,13 @@ EExitCode Recover(FCommandLine& Line, const FRecoverOptions& Options)
 	{
 		Each.bRecovered = std::find(Recovered.begin(), Recovered.end(), Each.Mod) != Recovered.end();
 	}
-	const std::vector<std::string> Strays = FindStrayCopies(Pending);
-	bool bRemoved = Options.bRemoveCopies && !Options.bDryRun;
-	for (const std::string& Folder : Strays)
-	{
-		bRemoved = bRemoved && Session->Engine.Interfaces.Files->DeleteDirectory(Folder);
-	}
-	if (Line.Options.bJson)
-	{
-		Console.Document(ToJson(Pending, Strays));
-	}
-	else
-	{
-		for (const FPending& Each : Pending)
-		{
-			PrintOne(Console, Each, Options.bDryRun);
-		}
-		PrintStrays(Console, Strays, bRemoved);
-		if (Pending.empty() && Strays.empty())
-		{
-			Console.Result("Nothing to put back.");
-		}
-	}
-	if (!bAllGood || (Options.bRemoveCopies && !Options.bDryRun && !bRemoved && !Strays.empty()))
+	const bool bRemove = Options.bRemoveCopies && !Options.bDryRun;
+	const std::vector<FStrayCopies> Strays = FindStrayCopies(Pending, bRemove);
+	Line.Options.bJson ? Console.Document(ToJson(Pending, Strays))
+					   : PrintText(Console, Pending, Strays, Options.bDryRun);
+	const bool bRemoved =
+		!bRemove || std::all_of(Strays.begin(), Strays.end(), [](const FStrayCopies& Each) { return Each.bRemoved; });
+	if (!bAllGood || !bRemoved)
 	{
 		Console.Fail("not everything could be put back: see above, close what holds the files, then run it again");
 		return EExitCode::Failed;

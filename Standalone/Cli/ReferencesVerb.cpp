@@ -98,7 +98,7 @@ void TellNextSteps(FConsole& Console, const FReferenceReport& Report)
 EExitCode ShowReferences(FCommandLine& Line, FReferencesOptions Options)
 {
 	const std::unique_ptr<FSession> Session = FSession::Open(Line);
-	if (Session == nullptr || !ResolveMod(*Session, Options.Map) || !ScanRegistry(*Session))
+	if (Session == nullptr || !ResolveMod(*Session, Options.Map) || !ScanRegistryOnce(*Session))
 	{
 		return EExitCode::Failed;
 	}

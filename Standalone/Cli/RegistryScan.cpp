@@ -20,6 +20,12 @@ bool ScanRegistry(FSession& Session)
 		});
 }
 
+bool ScanRegistryOnce(FSession& Session)
+{
+	Session.Engine.GetAssetRegistry().TrustLastScan();
+	return ScanRegistry(Session);
+}
+
 bool ResolveMod(FSession& Session, std::string& MapOrMod)
 {
 	const FQVScanResult Scan = FQVMapScanner::ScanMods();

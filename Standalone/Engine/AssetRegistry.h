@@ -33,6 +33,8 @@ public:
 	using FOnProgress = std::function<void(std::size_t Done, std::size_t Total)>;
 	/** Waits for the scan and takes its result over. False if the user's interrupt stopped it: nothing has changed. */
 	bool FinishScan(const FOnProgress& OnProgress = {});
+	/** From now on only a whole scan looks at the disk: for work that changes no file and is over at once. */
+	void TrustLastScan() { bTrustLastScan = true; }
 
 	bool IsLoadingAssets() const override { return bLoading; }
 	void ScanPathsSynchronous(std::string_view Folder) override;
@@ -76,6 +78,7 @@ private:
 	/** Shared with its own thread and, weakly, with the ticker that takes its result over. */
 	std::shared_ptr<FJob> Job;
 	bool bLoading = false;
+	bool bTrustLastScan = false;
 	/** The cache does not know what was scanned since. */
 	bool bCacheIsOld = true;
 	std::set<std::pair<std::string, std::string>> Complaints;

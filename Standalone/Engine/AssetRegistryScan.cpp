@@ -197,6 +197,10 @@ void FAssetRegistry::ScanPathsSynchronous(std::string_view Folder)
 {
 	QV_CHECK(GameThread.IsInGameThread());
 	FinishScan();
+	if (bTrustLastScan)
+	{
+		return;
+	}
 	FScanScope Scope;
 	Scope.Mounts = MountPoints.GetMountPoints();
 	Scope.Folder = FQVPath::ConvertRelativePathToFull(ProjectDir, Folder);

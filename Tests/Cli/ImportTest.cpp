@@ -118,7 +118,7 @@ TEST_F(FImportVerb, InterruptedPackIsPutBackByRecoverOrByWhateverComesNext)
 	{
 		LeaveInterrupted();
 		Expect({"recover", "--dry-run"}, 0,
-			"Cave: 1 file(s) would be put back, 1 copy(s) to delete\n  "
+			"Cave: 1 of 1 file(s) would be put back, 1 copy(s) would be deleted\n  "
 			"<T>/Пример 1/Plugins/Cave/Content/Maps/Hall.umap\n",
 			"");
 		const FProgramEnd End = Run(Words);
@@ -130,6 +130,13 @@ TEST_F(FImportVerb, InterruptedPackIsPutBackByRecoverOrByWhateverComesNext)
 		EXPECT_FALSE(fs::exists(Folder / Journal));
 	}
 	Expect({"recover"}, 0, "Nothing to put back.\n", "");
+	LeaveInterrupted();
+	Put(Journal + "import.json", "{\"schema_version\":2}");
+	const FProgramEnd Refused = Run({"pack", "Cave"});
+	EXPECT_EQ(Refused.Code, 1);
+	EXPECT_NE(Refused.Err.find("An earlier pack of 'Cave' did not finish"), std::string::npos) << Refused.Err;
+	EXPECT_EQ(Get("Plugins/Cave/Content/Maps/Hall.umap"), "repointed");
+	EXPECT_TRUE(fs::exists(Folder / (Journal + "0000_Hall.umap")));
 }
 
 TEST_F(FImportVerb, CopiesThatNoManifestNamesAreToldAndDeletedOnWish)

@@ -142,7 +142,7 @@ TEST_F(FMainJob, JsonIsOneDocumentWhateverTheExitCode)
 		R"({"schema_version":1,"mod":"Harbor","success":true,"failed_stage":"","error":"",)"
 		R"("pak":"<T>/Пример 1/Saved/QVPak/Output/Harbor_<Id>.pak","files":12,"map_files":2,"payload_files":7,)"
 		R"("shader_archives":1,"filter_unused_active":false,"files_skipped":0,"unpackable_files":[],)"
-		R"("log":"<T>/Пример 1/Saved/QVPak/Logs/Harbor_<Time>.log"})");
+		R"("log":"<T>/Пример 1/Saved/QVPak/Logs/Harbor_<Time>.log","project_put_back":true})");
 	const auto Manifest = nlohmann::json::parse(Get("Saved/QVPak/Temp/Harbor_manifest.json"));
 	EXPECT_EQ(Manifest["StartMap"], "/Game/Harbor/Maps/Pier");
 
@@ -154,7 +154,7 @@ TEST_F(FMainJob, JsonIsOneDocumentWhateverTheExitCode)
 	EXPECT_EQ(nlohmann::ordered_json::parse(Failed.Out).dump(),
 		R"({"schema_version":1,"mod":"Nowhere","success":false,"failed_stage":"validating",)"
 		R"("error":"Plugin directory not found: <T>/Пример 1/Plugins/Nowhere","pak":"","pak_bytes":0,"files":0,)"
-		R"("map_files":0,"payload_files":0,"shader_archives":0,"filter_unused_active":false,"files_skipped":0,"unpackable_files":[],"log":""})");
+		R"("map_files":0,"payload_files":0,"shader_archives":0,"filter_unused_active":false,"files_skipped":0,"unpackable_files":[],"log":"","project_put_back":true})");
 }
 
 TEST_F(FMainJob, HowMuchIsToldIsForTheUserToSay)

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Diagnostics/QVMapReferenceChecks.h"
+#include "Workspace/QVMapConfig.h"
 
 #include "Diagnostics/QVMapCookObstacles.h"
 #include "Tests/Diagnostics/DiagnosticsTestSupport.h"
-#include "Workspace/QVMapConfig.h"
 
 namespace
 {
@@ -110,11 +110,19 @@ TEST_F(FReferenceChecks, WhatIsOutsideLargestFirst)
 								  SizeOf("/Game/Small") +
 								  "\n/Cave/Hall > /Game/Small\n"
 								  "      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Hall.Hall\n";
-	const std::string Row = Describe(Check(), "Ref.Untrusted");
+	std::string Row = Describe(Check(), "Ref.Untrusted");
+	EXPECT_TRUE(Row.starts_with("Info Ref.Untrusted\n")) << Row;
+	EXPECT_TRUE(
+		Row.ends_with("  RefUntrustedBroughtIn: A pack brings them in for its length and leaves the project as it "
+					  "was. To make them the map's own for good, move them into its folder.\n" +
+					  FQVString::ReplaceAll(ChildRows, "%s", "Info")))
+		<< Row;
+	FQVMapConfig::SetImportExternalAssets(false);
+	Row = Describe(Check(), "Ref.Untrusted");
 	EXPECT_TRUE(Row.starts_with("Warning Ref.Untrusted\n  RefUntrustedTitle: Nothing used from outside the map\n"
 								"  RefUntrustedFail: 2 package(s) from outside the map ("));
 	EXPECT_TRUE(Row.ends_with(").\n  RefUntrustedRemedy: The game does not have them. Move them into the map's own "
-							  "folder.\n" +
+							  "folder, or switch import_external_assets on.\n" +
 							  FQVString::ReplaceAll(ChildRows, "%s", "Warning")))
 		<< Row;
 }

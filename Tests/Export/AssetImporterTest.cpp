@@ -3,7 +3,9 @@
 
 #include "Content/QVMapReferenceAudit.h"
 #include "Core/QVPath.h"
+#include "Engine/QVSlowTask.h"
 #include "Export/QVMapImportPlan.h"
+#include "Export/QVMapImportRestore.h"
 #include "Export/QVMapImportScope.h"
 #include "Tests/Support/ContentProject.h"
 
@@ -102,6 +104,23 @@ TEST_F(FAssetImporter, BringsInWhatTheMapNeedsAndPutsAllBack)
 	EXPECT_EQ(References("/Cave/Hall"), "/Cave/Own\n/Engine/Grid\n/Game/Rock\nsoft /Tools/Moss\n");
 }
 
+TEST_F(FAssetImporter, NamesThatEndInANumberAreFoundInTheTableOfNames)
+{
+	Begin({"/Game/Rock_7", "/Game/Höhle_12", "soft /Game/Rock_8", "/Game/Rock_07"});
+	for (const char* Package : {"/Game/Rock_7", "/Game/Rock_8", "/Game/Rock_07", "/Game/Höhle_12"})
+	{
+		PutMesh(Package);
+	}
+	Scan();
+	const std::string Before = Snapshot();
+	{
+		const FQVImportScope Scope("Cave");
+		EXPECT_TRUE(Scope.GetResult().bSuccess) << Scope.GetResult().ErrorMessage;
+		EXPECT_EQ(Scope.GetResult().Imported.size(), 4U);
+	}
+	EXPECT_EQ(Snapshot(), Before);
+}
+
 TEST_F(FAssetImporter, ChangesNothingWhereThereIsNothingToDo)
 {
 	Begin({"/Engine/Grid", "/QUARVEL/Gun", "/Game/QUARVEL/Sky"});
@@ -162,6 +181,115 @@ TEST_F(FAssetImporter, FollowsRedirectorsToWhatTheyMean)
 	const FQVImportScope Scope("Cave");
 	ASSERT_TRUE(Scope.GetResult().bSuccess) << Scope.GetResult().ErrorMessage;
 	EXPECT_EQ(References("/Cave/Hall"), "/Cave/_QVImported/Game/Stone\n");
+}
+
+TEST_F(FAssetImporter, FollowsThroughOutsidePackagesIntoTheModAndOutAgain)
+{
+	Begin({"/Game/Rock"});
+	PutMesh("/Game/Rock", {"/Cave/Deep"});
+	PutMesh("/Cave/Deep", {"/Game/Moss"});
+	PutMesh("/Game/Moss");
+	Scan();
+	const std::string Before = Snapshot();
+	{
+		const FQVImportScope Scope("Cave");
+		ASSERT_TRUE(Scope.GetResult().bSuccess) << Scope.GetResult().ErrorMessage;
+		EXPECT_EQ(References("/Cave/Deep"), "/Cave/_QVImported/Game/Moss\n");
+	}
+	EXPECT_EQ(Snapshot(), Before);
+}
+
+TEST_F(FAssetImporter, LevelsKeepTheirExtension)
+{
+	Begin({"/Game/Sub", "/Game/Rock"});
+	PutMap("/Game/Sub", {"/Game/Rock"});
+	PutMesh("/Game/Rock");
+	Scan();
+	std::string Before = Snapshot();
+	{
+		const FQVImportScope Scope("Cave");
+		ASSERT_TRUE(Scope.GetResult().bSuccess) << Scope.GetResult().ErrorMessage;
+		EXPECT_TRUE(Project.Exists(FileOf("/Cave/_QVImported/Game/Sub", ".umap")));
+	}
+	EXPECT_EQ(Snapshot(), Before);
+
+	// a level in a file that says asset: saving it would make another file
+	Project.Write(FileOf("/Cave/Odd"), Project.Read(FileOf("/Cave/Hall", ".umap")));
+	Project.Write(FileOf("/Cave/Odd", ".umap.txt"), "");
+	PutMap("/Cave/Hall", {"/Cave/Odd"});
+	Scan();
+	Before = Snapshot();
+	const FQVImportResult Result = FQVMapAssetImporter::BringInExternalAssets("Cave");
+	EXPECT_FALSE(Result.bSuccess);
+	EXPECT_NE(Result.ErrorMessage.find("it does not have the extension of what it holds"), std::string::npos)
+		<< Result.ErrorMessage;
+	EXPECT_EQ(Snapshot(), Before);
+}
+
+namespace
+{
+/** A user who cancels when so many steps are done. */
+struct FCancelling : IQVSlowTasks
+{
+	int Steps = 0;
+
+	struct FTask : IQVSlowTask
+	{
+		int& Left;
+		explicit FTask(int& InLeft)
+			: Left(InLeft)
+		{
+		}
+		bool ShouldCancel() const override { return Left-- <= 0; }
+	};
+	std::unique_ptr<IQVSlowTask> Begin(float, const FQVText&) override { return std::make_unique<FTask>(Steps); }
+};
+} // namespace
+
+TEST_F(FAssetImporter, CancelledImportIsUndone)
+{
+	Begin({"/Game/Rock", "/Game/Moss"});
+	PutMesh("/Game/Rock");
+	PutMesh("/Game/Moss");
+	Scan();
+	const std::string Before = Snapshot();
+	FCancelling Tasks;
+	Engine.Interfaces.SlowTasks = &Tasks;
+	for (const int Steps : {0, 1, 2})
+	{
+		Tasks.Steps = Steps;
+		const FQVImportResult Result = FQVMapAssetImporter::BringInExternalAssets("Cave");
+		EXPECT_EQ(Result.ErrorMessage, "Cancelled.");
+		EXPECT_EQ(Snapshot(), Before);
+		EXPECT_FALSE(Project.Exists("Saved/QVPak/Temp/ImportBackup/Cave"));
+	}
+	Engine.Interfaces.SlowTasks = nullptr;
+}
+
+TEST_F(FAssetImporter, ImportThatCannotBeUndoneSaysSoAndIsNotOverwritten)
+{
+	Begin({"/Game/Rock"});
+	PutMesh("/Game/Rock");
+	Scan();
+	const std::string Before = Snapshot();
+	int Saves = 0;
+	Files.Refuse = [&Saves](std::string_view Operation, std::string_view Path)
+	{
+		Saves += Operation == "save" && Path.ends_with("import.json") ? 1 : 0;
+		return Saves >= 2 && Operation == "copy" && Path.find("0000_") != std::string_view::npos;
+	};
+	{
+		const FQVImportScope Scope("Cave");
+		EXPECT_TRUE(Scope.GetResult().bSuccess);
+	}
+	EXPECT_NE(Complaints().find("FAILED to restore"), std::string::npos);
+	const FQVImportResult Refused = FQVMapAssetImporter::BringInExternalAssets("Cave");
+	EXPECT_NE(Refused.ErrorMessage.find("An earlier pack of 'Cave' did not finish"), std::string::npos)
+		<< Refused.ErrorMessage;
+	Files.Refuse = nullptr;
+	std::vector<std::string> Recovered;
+	EXPECT_TRUE(FQVMapImportRestore::RecoverInterruptedImport("Cave", Recovered));
+	EXPECT_EQ(Snapshot(), Before);
 }
 
 TEST_F(FAssetImporter, EveryStepThatFailsLeavesTheProjectAsItWas)

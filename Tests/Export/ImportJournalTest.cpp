@@ -6,6 +6,7 @@
 #include "Tests/Support/ContentProject.h"
 
 #include <filesystem>
+#include <set>
 
 namespace
 {
@@ -38,8 +39,9 @@ struct FImportJournal : QVTest::FContentTest
 	{
 		FQVImportResult Result;
 		Result.Backups.push_back({FQVName("/Cave/Hall"), Project.At(Hall), Project.At(BackupOf("0000_Hall.umap")),
-			FQVMapImportJournal::StampOf(Project.At(Hall))});
-		Result.Imported.push_back({FQVName("/Game/Rock"), FQVName("/Cave/_QVImported/Game/Rock"), Project.At(Copy)});
+			FQVMapForeignFiles::StampOf(Project.At(Hall))});
+		Result.Imported.push_back({FQVName("/Game/Rock"), FQVName("/Cave/_QVImported/Game/Rock"), Project.At(Copy),
+			FQVMapForeignFiles::StampOf(Project.At(Copy))});
 		return Result;
 	}
 	void Write() const
@@ -187,6 +189,7 @@ TEST_F(FImportJournal, RecoveryPassesOverABackupThatIsGone)
 {
 	Write();
 	Project.Remove(BackupOf("0000_Hall.umap"));
+	Project.Remove(BackupOf("saved.json"));
 	EXPECT_TRUE(Recover());
 	EXPECT_EQ(Project.Read(Hall), "repointed");
 	EXPECT_FALSE(Project.Exists(Folder));
@@ -225,10 +228,62 @@ TEST_F(FImportJournal, NothingThatSomebodyElseWroteIsLost)
 	Project.Write(Hall, "saved in an editor since");
 	EXPECT_TRUE(Recover());
 	ExpectWhole();
-	const std::vector<std::string> Kept = Project.FilesIn("Saved/QVPak/Replaced");
+	std::vector<std::string> Kept = Project.FilesIn("Saved/QVPak/Replaced");
 	ASSERT_EQ(Kept.size(), 1U);
 	EXPECT_EQ(FQVPath::GetCleanFilename(Kept[0]), "Hall.umap");
 	EXPECT_NE(Complaints().find("may hold changes that are not from the pack. A copy is kept as "), std::string::npos);
+
+	Begin();
+	Write();
+	Project.Write(Hall, "and once more, in the same second");
+	Project.Write(Copy, "a copy that was edited");
+	EXPECT_TRUE(Recover());
+	ExpectWhole();
+	Kept = Project.FilesIn("Saved/QVPak/Replaced");
+	ASSERT_EQ(Kept.size(), 3U);
+	std::set<std::string> Texts;
+	for (const std::string& File : Kept)
+	{
+		Texts.insert(Project.Read("Saved/QVPak/Replaced/" + File));
+	}
+	EXPECT_EQ(Texts, (std::set<std::string>{
+						 "a copy that was edited", "and once more, in the same second", "saved in an editor since"}));
+}
+
+TEST_F(FImportJournal, WhatCannotBeKeptIsNotReplaced)
+{
+	Write();
+	Project.Write(Hall, "saved in an editor since");
+	Project.Write("Saved/QVPak/Replaced", "in the way");
+	EXPECT_FALSE(Recover());
+	EXPECT_EQ(Project.Read(Hall), "saved in an editor since");
+	EXPECT_TRUE(Project.Exists(BackupOf("0000_Hall.umap")));
+	Project.Remove("Saved/QVPak/Replaced");
+	EXPECT_TRUE(Recover());
+	ExpectWhole();
+}
+
+TEST_F(FImportJournal, CopiesStayWhileAPackageWithoutItsBackupRefersToThem)
+{
+	Write();
+	Project.Remove(BackupOf("0000_Hall.umap"));
+	EXPECT_FALSE(Recover());
+	EXPECT_TRUE(Project.Exists(Copy));
+	EXPECT_TRUE(Project.Exists(BackupOf("import.json")));
+	EXPECT_NE(Complaints().find("Could not restore"), std::string::npos);
+}
+
+TEST_F(FImportJournal, SavesThatWereCutOffLeaveNothing)
+{
+	Write();
+	Project.Write("Plugins/Cave/Content/Hall.umap.4711-3.tmp", "half");
+	Project.Write("Plugins/Cave/Content/_QVImported/Game/Moss.uasset.4711-4.tmp", "half");
+	Project.Write("Plugins/Cave/Content/Other.umap.4711-3.tmp", "not ours");
+	EXPECT_TRUE(Recover());
+	ExpectWhole();
+	EXPECT_EQ(
+		Project.FilesIn("Plugins/Cave/Content"), (std::vector<std::string>{"Hall.umap", "Other.umap.4711-3.tmp"}));
+	EXPECT_FALSE(Project.Exists("Plugins/Cave/Content/_QVImported"));
 }
 
 TEST_F(FImportJournal, ProjectThatWasMovedIsRecoveredWhereItIsNow)

@@ -116,6 +116,18 @@ std::filesystem::path TemporaryBeside(const std::filesystem::path& Target)
 
 using FFill = std::function<std::error_code(int File)>;
 
+/** No error if there is no such file, or on a disk that has no marks. */
+std::error_code TakeMarksOf(const std::filesystem::path& Real, int File)
+{
+	struct stat Old = {};
+	if (::stat(Real.c_str(), &Old) != 0)
+	{
+		return errno == ENOENT ? std::error_code() : LastError();
+	}
+	const bool bTaken = ::fchmod(File, Old.st_mode & 0777) == 0 || errno == EPERM || errno == EOPNOTSUPP;
+	return bTaken ? std::error_code() : LastError();
+}
+
 /** A new file with the marks of the one whose place it will take, on the disk. */
 std::error_code MakeTemporary(
 	const std::filesystem::path& Temporary, const std::filesystem::path& Real, const FFill& Fill)
@@ -126,12 +138,8 @@ std::error_code MakeTemporary(
 	{
 		return LastError();
 	}
-	struct stat Old = {};
-	if (::stat(Real.c_str(), &Old) == 0)
-	{
-		::fchmod(File.Get(), Old.st_mode & 0777);
-	}
-	std::error_code Error = Fill(File.Get());
+	std::error_code Error = TakeMarksOf(Real, File.Get());
+	Error = Error ? Error : Fill(File.Get());
 	if (!Error && ::fsync(File.Get()) != 0)
 	{
 		Error = LastError();

@@ -149,6 +149,10 @@ FQVDiagnosticFinding FQVMapCookObstacles::CheckCookedPaths(const std::string& Mo
 	for (const FQVName Package : Internal)
 	{
 		const std::string File = CookedFileOf(Package, Cooked, Mod);
+		if (File.size() <= std::min(Longest, MostPathUnits))
+		{
+			continue; // there are never more units than bytes
+		}
 		const std::size_t Units = FQVUnicode::ToUtf16(File).size();
 		Longest = std::max(Longest, Units);
 		if (Units > MostPathUnits)

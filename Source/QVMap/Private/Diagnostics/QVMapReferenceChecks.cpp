@@ -9,6 +9,7 @@
 #include "Diagnostics/QVMapFindingMaker.h"
 #include "Diagnostics/QVMapPackageFiles.h"
 #include "Engine/QVEngine.h"
+#include "Workspace/QVMapConfig.h"
 
 #include <map>
 
@@ -56,13 +57,20 @@ FQVDiagnosticFinding CheckUntrusted(const FReferences& Untrusted)
 			Group.Text("RefUntrustedPass", "Everything the map uses is its own or part of every game."));
 	}
 	std::int64_t Bytes = 0;
-	// whatever import_external_assets says: no pack brings them in yet
-	FQVDiagnosticFinding Finding = Group.Make(Warning, Id, std::move(Title), {},
-		Group.Text("RefUntrustedRemedy", "The game does not have them. Move them into the map's own folder."));
+	const bool bBroughtIn = FQVMapConfig::GetImportExternalAssets();
+	const EQVDiagSeverity Severity = bBroughtIn ? EQVDiagSeverity::Info : Warning;
+	FQVDiagnosticFinding Finding = Group.Make(Severity, Id, std::move(Title), {},
+		bBroughtIn
+			? Group.Text("RefUntrustedBroughtIn",
+				  "A pack brings them in for its length and leaves the project as it was. To make them the map's "
+				  "own for good, move them into its folder.")
+			: Group.Text("RefUntrustedRemedy",
+				  "The game does not have them. Move them into the map's own folder, or switch "
+				  "import_external_assets on."));
 	for (const FQVExternalReference& Each : Untrusted)
 	{
 		Bytes += Each.SizeBytes;
-		FQVDiagnosticFinding Child = Group.Make(Warning, HardOrSoft(Each, "Ref.Untrusted.Hard", "Ref.Untrusted.Soft"),
+		FQVDiagnosticFinding Child = Group.Make(Severity, HardOrSoft(Each, "Ref.Untrusted.Hard", "Ref.Untrusted.Soft"),
 			Group.Shown(Each.Package.ToView()),
 			Group.Text("RefUntrustedRow", "{0} reference to {1}, {2}\n{3}", HardOrSoftWord(Each), Each.AssetClass,
 				Group.FormatBytes(Each.SizeBytes), ChainText(Each.Chain)));

@@ -4,6 +4,7 @@
 #include "Core/QVCheck.h"
 #include "Core/QVLog.h"
 #include "Core/QVPath.h"
+#include "Core/QVString.h"
 #include "Engine/QVEditor.h"
 #include "Engine/QVEngine.h"
 #include "Engine/QVFiles.h"
@@ -35,11 +36,8 @@ public:
 	{
 		std::string Error = BackUp();
 		Error = Error.empty() ? Copy() : Error;
-		if (Error.empty())
-		{
-			Repoint();
-			Error = Save();
-		}
+		Error = Error.empty() ? Repoint() : Error;
+		Error = Error.empty() ? Save() : Error;
 		if (Error.empty())
 		{
 			NoteSaved();
@@ -94,7 +92,7 @@ private:
 			{
 				return QVPrintf("Could not back up '%s' before packing. Nothing was changed.", Original);
 			}
-			Result.Backups.push_back({Package, Original, Backup, FQVMapImportJournal::StampOf(Original)});
+			Result.Backups.push_back({Package, Original, Backup, FQVMapForeignFiles::StampOf(Original)});
 		}
 		return FQVMapImportJournal::WriteImportManifest(PluginName, Result)
 				   ? std::string()
@@ -126,24 +124,30 @@ private:
 			return QVPrintf("Could not load '%s', which this map uses. Nothing was changed.", Source.ToView());
 		}
 		const FQVName New(FQVMapImportPaths::MakeImportedName(PluginName, Source.ToView()));
-		std::string File;
-		if (!Packages.TryConvertLongPackageNameToFilename(New.ToView(), File, IQVPackages::AssetPackageExtension) ||
-			!Packages.CreatePackage(New))
+		if (!Packages.CreatePackage(New))
 		{
 			return QVPrintf("Could not create the package '%s'. Nothing was changed.", New.ToView());
 		}
-		if (!Packages.DuplicateAsset(Asset, New))
+		const bool bCopied = Packages.DuplicateAsset(Asset, New);
+		const std::string File = TargetOf(New);
+		// what an earlier run left there, or a user's own
+		if (!bCopied || File.empty() || (Files.FileExists(File) && !FQVMapForeignFiles::Keep(File)))
 		{
 			return QVPrintf("Could not copy '%s' into the map's folder. Nothing was changed.", Source.ToView());
 		}
-		if (Files.FileExists(File))
-		{
-			FQVMapImportJournal::KeepForeignFile(File);
-		}
-		Result.Imported.push_back({Source, New, File});
+		Result.Imported.push_back({Source, New, File, FQVFileStamp()});
 		Copies.push_back(New);
 		Replacements.push_back({Asset, New, Asset.AssetName});
 		return {};
+	}
+
+	/** Where a package in memory will be saved: a level has an extension of its own. Empty if nowhere. */
+	std::string TargetOf(FQVName Package) const
+	{
+		std::string File;
+		Packages.TryConvertLongPackageNameToFilename(Package.ToView(), File,
+			Packages.ContainsWorld(Package) ? IQVPackages::MapPackageExtension : IQVPackages::AssetPackageExtension);
+		return File;
 	}
 
 	FQVAssetData LoadFirstAsset(FQVName Package) const
@@ -174,17 +178,28 @@ private:
 		}
 	}
 
-	void Repoint()
+	std::string Repoint()
 	{
 		for (const FQVName Package : Plan.Repoint)
 		{
-			if (Packages.IsValidLongPackageName(Package.ToView()) && Packages.LoadPackage(Package))
+			if (!Packages.IsValidLongPackageName(Package.ToView()) || !Packages.LoadPackage(Package))
 			{
-				Repointed.push_back(Package);
+				continue;
 			}
+			std::string File;
+			if (Packages.DoesPackageExist(Package.ToView(), File) &&
+				!FQVString::EqualsIgnoreCase(File, TargetOf(Package)))
+			{
+				return QVPrintf(
+					"'%s' would be saved as %s: it does not have the extension of what it holds. Save it anew "
+					"in the editor, then pack again. Nothing was changed.",
+					File, TargetOf(Package));
+			}
+			Repointed.push_back(Package);
 		}
 		Packages.ReplaceReferences(Repointed, Replacements);
 		Packages.ReplaceReferences(Copies, Replacements);
+		return {};
 	}
 
 	std::string Save()
@@ -196,6 +211,10 @@ private:
 		for (const FQVName Package : All)
 		{
 			Enter(Package);
+			if (Task != nullptr && Task->ShouldCancel())
+			{
+				return "Cancelled.";
+			}
 			std::string Error;
 			if (!FQVMapPackageSaver::SavePackageToDisk(Package, Saved.emplace_back(), Error))
 			{
@@ -204,29 +223,43 @@ private:
 					"are read-only, then pack again.",
 					Error);
 			}
-			NoteStamp(Package);
 		}
 		FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles(Saved);
 		return {};
 	}
 
-	void NoteStamp(FQVName Package)
+	void NoteSaved()
 	{
 		for (FQVImportBackup& Backup : Result.Backups)
 		{
-			if (Backup.Package == Package)
-			{
-				Backup.Saved = FQVMapImportJournal::StampOf(Backup.Original);
-			}
+			Backup.Saved = FQVMapForeignFiles::StampOf(Backup.Original);
 		}
-	}
-
-	void NoteSaved() const
-	{
+		for (FQVImportedPackage& Copy : Result.Imported)
+		{
+			Copy.Saved = FQVMapForeignFiles::StampOf(Copy.File);
+		}
 		FQVMapImportJournal::WriteImportManifest(PluginName, Result);
 		FQVMapImportJournal::WriteStamps(PluginName, Result);
 	}
 };
+
+/** After a failure; the message says so if that fails too. */
+void PutBack(std::string_view PluginName, FQVImportResult& Result)
+{
+	std::string Error;
+	FQVMapImportRestore::RestoreAfterPacking(PluginName, Result, Error);
+	if (!Error.empty())
+	{
+		Result.ErrorMessage += "\n\n" + Error;
+	}
+	else if (Result.Backups.empty())
+	{
+		// a journal that has not begun
+		FQVEngine::Get().Files->DeleteDirectory(FQVMapImportPaths::GetJournalFolder(PluginName));
+	}
+	Result.Imported.clear();
+	Result.Backups.clear();
+}
 
 FQVImportResult Import(std::string_view PluginName, FQVMapPackLock Lock)
 {
@@ -249,10 +282,7 @@ FQVImportResult Import(std::string_view PluginName, FQVMapPackLock Lock)
 			PluginName);
 		return Result;
 	}
-	std::string RestoreError; // told in the log already
-	FQVMapImportRestore::RestoreAfterPacking(PluginName, Result, RestoreError);
-	Result.Imported.clear();
-	Result.Backups.clear();
+	PutBack(PluginName, Result);
 	return Result;
 }
 } // namespace
@@ -271,6 +301,16 @@ FQVImportResult FQVMapAssetImporter::BringInExternalAssets(std::string_view Plug
 	}
 	// one that had the mod a moment ago may have died since
 	FQVMapImportRestore::RecoverInterruptedImport(PluginName, Recovered);
+	if (FQVEngine::Get().Files->FileExists(FQVMapImportPaths::GetManifestPath(PluginName)))
+	{
+		FQVImportResult Refused;
+		Refused.ErrorMessage =
+			QVPrintf("An earlier pack of '%s' did not finish, and it could not be put back. Its original files are in "
+					 "%s. Nothing "
+					 "was changed. The log says what stands in the way: remove that, then pack again.",
+				PluginName, FQVMapImportPaths::GetJournalFolder(PluginName));
+		return Refused;
+	}
 	FQVMapPackageSaver::SaveDirtyPluginPackages(PluginName);
 	return Import(PluginName, std::move(Lock));
 }

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <map>
 
 namespace
 {
@@ -88,6 +89,7 @@ public:
 	FManifestPaths(std::string_view PluginName, const std::vector<FQVImportBackup>& Backups)
 		: Project(FQVMapPaths::GetProjectDir())
 		, Folder(FQVMapImportPaths::GetJournalFolder(PluginName))
+		, Copies(FQVMapImportPaths::GetCopiesFolder(PluginName))
 	{
 		const std::string_view Inner = std::string_view(Folder).substr(Project.size());
 		const std::string_view Named = Backups.empty() ? std::string_view() : FQVPath::GetPath(Backups.front().Backup);
@@ -104,6 +106,12 @@ public:
 		Follow(Path, OldProject, Project);
 		return IsBelow(Path, Project);
 	}
+	/** A copy lies where copies do, and nowhere else. */
+	bool AcceptCopy(std::string& Path) const
+	{
+		Follow(Path, OldProject, Project);
+		return IsBelow(Path, Copies);
+	}
 	/** A backup lies in the backup folder, and nowhere else. */
 	bool AcceptBackup(std::string& Path) const
 	{
@@ -114,6 +122,7 @@ public:
 private:
 	std::string Project;
 	std::string Folder;
+	std::string Copies;
 	std::string OldProject;
 	std::string OldFolder;
 
@@ -143,7 +152,7 @@ std::string FindStrayPath(std::string_view PluginName, FQVImportResult& Result)
 	}
 	for (FQVImportedPackage& Package : Result.Imported)
 	{
-		if (!Package.File.empty() && !Paths.Accept(Package.File))
+		if (!Package.File.empty() && !Paths.AcceptCopy(Package.File))
 		{
 			return Package.File;
 		}
@@ -162,8 +171,8 @@ void ReadLists(const FQVJson& Json, FQVImportResult& Out)
 	ForEachObject(Json, "imported",
 		[&Out](const FQVJson& Entry)
 		{
-			Out.Imported.push_back(
-				{FQVName(Entry.GetString("source")), FQVName(Entry.GetString("imported")), Entry.GetString("file")});
+			Out.Imported.push_back({FQVName(Entry.GetString("source")), FQVName(Entry.GetString("imported")),
+				Entry.GetString("file"), FQVFileStamp()});
 		});
 }
 
@@ -184,17 +193,18 @@ void ReadStamps(std::string_view PluginName, FQVImportResult& Result)
 	{
 		return;
 	}
+	std::map<std::string, FQVFileStamp> Stamps;
+	ForEachObject(Json, "files",
+		[&Stamps](const FQVJson& Entry) {
+			Stamps[Entry.GetString("name")] = {ReadInteger(Entry, "size"), FQVDateTime(ReadInteger(Entry, "ticks"))};
+		});
 	for (FQVImportBackup& Backup : Result.Backups)
 	{
-		ForEachObject(Json, "files",
-			[&Backup](const FQVJson& Entry)
-			{
-				if (Entry.GetString("backup") == FQVPath::GetCleanFilename(Backup.Backup))
-				{
-					Backup.Saved.Size = ReadInteger(Entry, "size");
-					Backup.Saved.Time = FQVDateTime(ReadInteger(Entry, "ticks"));
-				}
-			});
+		Backup.Saved = Stamps[Backup.Package.ToString()];
+	}
+	for (FQVImportedPackage& Copy : Result.Imported)
+	{
+		Copy.Saved = Stamps[Copy.Imported.ToString()];
 	}
 }
 } // namespace
@@ -276,38 +286,21 @@ bool FQVMapImportJournal::ReadImportManifest(std::string_view PluginName, FQVImp
 void FQVMapImportJournal::WriteStamps(std::string_view PluginName, const FQVImportResult& Result)
 {
 	FQVJson Files = FQVJson::Array();
-	for (const FQVImportBackup& Backup : Result.Backups)
+	const auto Add = [&Files](FQVName Package, const FQVFileStamp& Saved)
 	{
 		Files.Add(FQVJson::Object()
-					  .Set("backup", FQVPath::GetCleanFilename(Backup.Backup))
-					  .Set("size", std::to_string(Backup.Saved.Size))
-					  .Set("ticks", std::to_string(Backup.Saved.Time.GetTicks())));
+					  .Set("name", Package.ToView())
+					  .Set("size", std::to_string(Saved.Size))
+					  .Set("ticks", std::to_string(Saved.Time.GetTicks())));
+	};
+	for (const FQVImportBackup& Backup : Result.Backups)
+	{
+		Add(Backup.Package, Backup.Saved);
+	}
+	for (const FQVImportedPackage& Copy : Result.Imported)
+	{
+		Add(Copy.Imported, Copy.Saved);
 	}
 	FQVEngine::Get().Files->SaveStringToFile(
 		FQVJson::Object().Set("files", std::move(Files)).ToPrettyString(), StampsPath(PluginName));
-}
-
-FQVFileStamp FQVMapImportJournal::StampOf(const std::string& File)
-{
-	const IQVFiles& Files = *FQVEngine::Get().Files;
-	return {Files.FileSize(File), Files.GetTimeStamp(File)};
-}
-
-void FQVMapImportJournal::KeepForeignFile(const std::string& File)
-{
-	const FQVEngine& Engine = FQVEngine::Get();
-	const std::string_view Inner = std::string_view(File).substr(FQVMapPaths::GetProjectDir().size() + 1);
-	const std::string Kept =
-		FQVPath::Combine(FQVMapPaths::GetWorkDir(), "Replaced", Engine.Clock->Now().ToFileStamp(), Inner);
-	const bool bKept = FQVMapPaths::EnsureDirectory(FQVPath::GetPath(Kept)) && Engine.Files->Copy(Kept, File);
-	if (bKept)
-	{
-		QVLog(EQVLogVerbosity::Warning, "QVMap: %s may hold changes that are not from the pack. A copy is kept as %s",
-			File, Kept);
-	}
-	else
-	{
-		QVLog(EQVLogVerbosity::Error,
-			"QVMap: %s may hold changes that are not from the pack, and no copy could be kept", File);
-	}
 }

@@ -26,9 +26,4 @@ struct FQVMapImportJournal
 
 	/** Notes what the import has made of the files, so that a later change by somebody else is known for one. */
 	static void WriteStamps(std::string_view PluginName, const FQVImportResult& Result);
-	static FQVFileStamp StampOf(const std::string& File);
-
-	/** Copies a file to a folder of its own below the work folder before it is replaced, since it may hold what
-	 * somebody else has written. Says where. */
-	static void KeepForeignFile(const std::string& File);
 };

@@ -56,6 +56,7 @@ private:
 	const FQVImportPlan::EMemoryOnly MemoryOnly;
 	const IQVAssetRegistry& Registry = *FQVEngine::Get().AssetRegistry;
 	std::vector<FQVPackageDependency> Dependencies;
+	FQVNameSet OwnByWayOfOutside;
 
 	bool NeedsNoCopy(FQVName Package) const
 	{
@@ -88,6 +89,11 @@ private:
 			Work.pop_back();
 			if (NeedsNoCopy(Package))
 			{
+				if (FQVMapImportPaths::IsInPlugin(Package.ToView(), PluginName) &&
+					!Audit.InternalPackages.Contains(Package) && OwnByWayOfOutside.Add(Package))
+				{
+					AddDependencies(Package, Work); // the mod's own, but only an outside package leads to it
+				}
 				continue;
 			}
 			if (!IsOnDisk(Package))
@@ -96,11 +102,16 @@ private:
 				continue;
 			}
 			Plan.External.Add(Package);
-			Registry.GetDependencies(Package, EQVDependencyQuery::Game, Dependencies);
-			for (const FQVPackageDependency& Dependency : Dependencies)
-			{
-				Work.push_back(Dependency.Package);
-			}
+			AddDependencies(Package, Work);
+		}
+	}
+
+	void AddDependencies(FQVName Package, std::vector<FQVName>& Work)
+	{
+		Registry.GetDependencies(Package, EQVDependencyQuery::Game, Dependencies);
+		for (const FQVPackageDependency& Dependency : Dependencies)
+		{
+			Work.push_back(Dependency.Package);
 		}
 	}
 

@@ -13,6 +13,7 @@
 #include "Engine/QVProject.h"
 #include "Export/QVMapImportJournal.h"
 #include "Export/QVMapImportPaths.h"
+#include "Export/QVMapUnfinishedSaves.h"
 #include "Workspace/QVMapPaths.h"
 
 namespace
@@ -20,6 +21,22 @@ namespace
 IQVFiles& Files()
 {
 	return *FQVEngine::Get().Files;
+}
+
+/** A disk that fails to tell of a file for a moment must not pass for one that has none: then its folder is asked. */
+bool IsThere(const std::string& File)
+{
+	bool bFound = Files().FileExists(File);
+	const auto Visit = [&](std::string_view Path, bool bIsDirectory)
+	{
+		bFound = !bIsDirectory && FQVPath::GetCleanFilename(Path) == FQVPath::GetCleanFilename(File);
+		return !bFound;
+	};
+	if (!bFound)
+	{
+		Files().IterateDirectory(FQVPath::GetPath(File), Visit);
+	}
+	return bFound;
 }
 
 bool HoldTheSame(const std::string& A, const std::string& B)
@@ -33,37 +50,29 @@ bool HoldTheSame(const std::string& A, const std::string& B)
 	return Files().LoadFileToArray(BytesOfA, A) && Files().LoadFileToArray(BytesOfB, B) && BytesOfA == BytesOfB;
 }
 
-/** A map that was saved anew while it was repointed is nobody's but the user's. */
-void KeepIfForeign(const FQVImportBackup& Backup)
-{
-	const FQVFileStamp Now = FQVMapImportJournal::StampOf(Backup.Original);
-	if (Now.Size >= 0 && Now != Backup.Saved && !HoldTheSame(Backup.Original, Backup.Backup))
-	{
-		FQVMapImportJournal::KeepForeignFile(Backup.Original);
-	}
-}
-
+/** A map that was saved anew while it was repointed is nobody's but the user's: it goes only where a copy is kept. */
 bool PutBack(const FQVImportBackup& Backup)
 {
-	KeepIfForeign(Backup);
-	return FQVMapPaths::EnsureDirectory(FQVPath::GetPath(Backup.Original)) &&
+	const bool bKept =
+		HoldTheSame(Backup.Original, Backup.Backup) || FQVMapForeignFiles::KeepIfChanged(Backup.Original, Backup.Saved);
+	return bKept && FQVMapPaths::EnsureDirectory(FQVPath::GetPath(Backup.Original)) &&
 		   Files().Copy(Backup.Original, Backup.Backup);
 }
 
-/** The manifest goes last: as long as it is there, an interrupted clean-up is taken up again. */
-void DeleteJournal(std::string_view PluginName, const FQVImportResult& Result)
+bool DeleteCopy(const FQVImportedPackage& Copy)
+{
+	return Copy.File.empty() || !IsThere(Copy.File) ||
+		   (FQVMapForeignFiles::KeepIfChanged(Copy.File, Copy.Saved) && Files().DeleteFile(Copy.File, true));
+}
+
+/** All is back in its place. A deletion that is cut off is taken up again as long as the manifest is there; without it,
+ * what is left of the folder does no harm. */
+void DeleteJournal(std::string_view PluginName)
 {
 	const std::string Copies = FQVMapImportPaths::GetCopiesFolder(PluginName);
 	if (Files().DirectoryExists(Copies) && !FQVMapImportJournal::HasCopies(PluginName))
 	{
 		Files().DeleteDirectory(Copies); // nothing but empty folders
-	}
-	for (const FQVImportBackup& Backup : Result.Backups)
-	{
-		if (Files().FileExists(Backup.Backup))
-		{
-			Files().DeleteFile(Backup.Backup, true);
-		}
 	}
 	Files().DeleteDirectory(FQVMapImportPaths::GetJournalFolder(PluginName));
 }
@@ -94,7 +103,7 @@ public:
 			return QVPrintf("Some of '%s' could not be put back automatically. The originals are kept in %s.",
 				PluginName, FQVMapImportPaths::GetJournalFolder(PluginName));
 		}
-		DeleteJournal(PluginName, Result);
+		DeleteJournal(PluginName);
 		QVLog(EQVLogVerbosity::Log, "QVMap: Restored %s after packing (%d copy, %d rewritten)", PluginName,
 			Result.Imported.size(), Result.Backups.size());
 		return {};
@@ -170,7 +179,7 @@ private:
 	{
 		for (const FQVImportedPackage& Copy : Result.Imported)
 		{
-			if (!Copy.File.empty() && Files().FileExists(Copy.File) && !Files().DeleteFile(Copy.File, true))
+			if (!DeleteCopy(Copy))
 			{
 				QVLog(EQVLogVerbosity::Warning, "QVMap: Could not delete imported copy %s", Copy.File);
 				bAllGood = false;
@@ -179,33 +188,69 @@ private:
 	}
 };
 
-bool RecoverOne(std::string_view PluginName, const FQVImportResult& Import)
+/** Work of a recovery, on files alone. */
+class FRecovery
 {
+public:
+	FRecovery(std::string_view InPluginName, const FQVImportResult& InImport)
+		: PluginName(InPluginName)
+		, Import(InImport)
+	{
+	}
+
+	bool Run()
+	{
+		PutOriginalsBack();
+		if (!bAnyLost)
+		{
+			DeleteCopies();
+		}
+		if (bAllGood)
+		{
+			FQVMapUnfinishedSaves::Delete(PluginName, Import);
+			DeleteJournal(PluginName);
+			QVLog(EQVLogVerbosity::Warning,
+				"QVMap: A previous pack of '%s' did not finish. Its original files have been put back.", PluginName);
+		}
+		return bAllGood;
+	}
+
+private:
+	const std::string_view PluginName;
+	const FQVImportResult& Import;
 	bool bAllGood = true;
-	for (const FQVImportBackup& Backup : Import.Backups)
+	/** A package still refers to the copies, and its backup is gone. */
+	bool bAnyLost = false;
+
+	void PutOriginalsBack()
 	{
-		if (Files().FileExists(Backup.Backup) && !PutBack(Backup))
+		for (const FQVImportBackup& Backup : Import.Backups)
 		{
-			QVLog(EQVLogVerbosity::Error, "QVMap: Could not restore %s from a previous run's backup", Backup.Original);
-			bAllGood = false;
+			const bool bThere = IsThere(Backup.Backup);
+			const bool bLost =
+				!bThere && Backup.Saved.Size >= 0 && FQVMapForeignFiles::StampOf(Backup.Original) == Backup.Saved;
+			if (bLost || (bThere && !PutBack(Backup)))
+			{
+				QVLog(EQVLogVerbosity::Error, "QVMap: Could not restore %s from a previous run's backup",
+					Backup.Original);
+				bAllGood = false;
+				bAnyLost = bAnyLost || bLost;
+			}
 		}
 	}
-	for (const FQVImportedPackage& Copy : Import.Imported)
+
+	void DeleteCopies()
 	{
-		if (!Copy.File.empty() && Files().FileExists(Copy.File) && !Files().DeleteFile(Copy.File, true))
+		for (const FQVImportedPackage& Copy : Import.Imported)
 		{
-			QVLog(EQVLogVerbosity::Error, "QVMap: Could not delete a previous run's imported copy %s", Copy.File);
-			bAllGood = false;
+			if (!DeleteCopy(Copy))
+			{
+				QVLog(EQVLogVerbosity::Error, "QVMap: Could not delete a previous run's imported copy %s", Copy.File);
+				bAllGood = false;
+			}
 		}
 	}
-	if (bAllGood)
-	{
-		DeleteJournal(PluginName, Import);
-		QVLog(EQVLogVerbosity::Warning,
-			"QVMap: A previous pack of '%s' did not finish. Its original files have been put back.", PluginName);
-	}
-	return bAllGood;
-}
+};
 } // namespace
 
 void FQVMapImportRestore::RestoreAfterPacking(
@@ -252,7 +297,7 @@ bool FQVMapImportRestore::RecoverInterruptedImport(std::string_view PluginName, 
 	{
 		return true;
 	}
-	const bool bRecovered = RecoverOne(PluginName, Import);
+	const bool bRecovered = FRecovery(PluginName, Import).Run();
 	if (bRecovered)
 	{
 		OutRecovered.emplace_back(PluginName);

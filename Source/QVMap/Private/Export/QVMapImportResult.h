@@ -1,24 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Core/QVDateTime.h"
 #include "Core/QVName.h"
+#include "Export/QVMapForeignFiles.h"
 #include "Export/QVMapPackLock.h"
 
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
-
-/** By which it is seen that a file has been written since. */
-struct FQVFileStamp
-{
-	/** In bytes; -1: there is no such file, or it is not known. */
-	std::int64_t Size = -1;
-	FQVDateTime Time;
-
-	bool operator==(const FQVFileStamp&) const = default;
-};
 
 /** A package that was copied into the mod. */
 struct FQVImportedPackage
@@ -28,6 +17,8 @@ struct FQVImportedPackage
 	FQVName Imported;
 	/** Full path of the copy. */
 	std::string File;
+	/** The copy as the import left it; unknown until then. */
+	FQVFileStamp Saved;
 };
 
 /** A package of the mod that was made to refer to copies. */

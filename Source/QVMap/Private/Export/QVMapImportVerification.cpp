@@ -9,14 +9,36 @@
 
 namespace
 {
-std::vector<std::string> ImportedNames(const FQVImportResult& Import)
+/** `/Cave/Rock` of `/Cave/Rock_7`; empty if the name does not end in a number as the engine writes them. */
+std::string_view WithoutNumber(std::string_view Name)
 {
-	std::vector<std::string> Names;
-	for (const FQVImportedPackage& Copy : Import.Imported)
+	constexpr std::size_t MostDigits = 10;
+	const std::size_t Line = Name.rfind('_');
+	const std::string_view Digits = Line == std::string_view::npos ? std::string_view() : Name.substr(Line + 1);
+	const bool bNumber = !Digits.empty() && Digits.size() <= MostDigits &&
+						 Digits.find_first_not_of("0123456789") == std::string_view::npos &&
+						 (Digits.size() == 1 || Digits.front() != '0');
+	return bNumber ? Name.substr(0, Line) : std::string_view();
+}
+
+/** The plain texts of the copies' names, then those of names with a number as a table of names has them: the number is
+ * kept beside the text, so the whole name may be nowhere. Copies: to which copy each text belongs. */
+std::vector<std::string> TextsToFind(const FQVImportResult& Import, std::vector<std::size_t>& OutCopies)
+{
+	std::vector<std::string> Texts;
+	for (std::size_t Place = 0; Place < Import.Imported.size(); ++Place)
 	{
-		Names.push_back(Copy.Imported.ToString());
+		const std::string_view Name = Import.Imported[Place].Imported.ToView();
+		Texts.emplace_back(Name);
+		OutCopies.push_back(Place);
+		if (const std::string_view Stored = WithoutNumber(Name); !Stored.empty())
+		{
+			Texts.emplace_back(Stored);
+			Texts.back().push_back('\0'); // it ends there
+			OutCopies.push_back(Place);
+		}
 	}
-	return Names;
+	return Texts;
 }
 
 std::string FindVanished(const FQVImportResult& Import)
@@ -46,7 +68,7 @@ class FMentions
 public:
 	explicit FMentions(const FQVImportResult& Import)
 		: Mentioned(Import.Imported.size())
-		, Search(ImportedNames(Import))
+		, Search(TextsToFind(Import, Copies))
 	{
 	}
 
@@ -63,12 +85,13 @@ public:
 		Search.Find(Bytes, Found);
 		for (const std::size_t Place : Found)
 		{
-			Mentioned[Place] = Mentioned[Place] || Place != Own;
+			Mentioned[Copies[Place]] = Mentioned[Copies[Place]] || Copies[Place] != Own;
 		}
 		return true;
 	}
 
 private:
+	std::vector<std::size_t> Copies;
 	FQVTextSearch Search;
 	std::vector<std::byte> Bytes;
 	std::vector<std::size_t> Found;
