@@ -53,6 +53,12 @@ std::vector<FPending> FindPending()
 	return All;
 }
 
+/** Nothing of it is left to be put back. */
+bool IsOver(const FPending& Each)
+{
+	return Each.bRecovered || !FQVEngine::Get().Files->FileExists(FQVMapImportPaths::GetManifestPath(Each.Mod));
+}
+
 /** What stands in the way of a mod that is not recovered, for the user. */
 std::string DescribeObstacle(const FPending& Each)
 {
@@ -61,7 +67,7 @@ std::string DescribeObstacle(const FPending& Each)
 		return "being packed by another run: left alone";
 	}
 	const std::string Folder = FQVMapImportPaths::GetJournalFolder(Each.Mod);
-	if (!FQVEngine::Get().Files->FileExists(FQVMapImportPaths::GetManifestPath(Each.Mod)))
+	if (IsOver(Each))
 	{
 		return QVPrintf("nothing of it was changed yet; what is left in %s can be deleted", Folder);
 	}
@@ -181,7 +187,8 @@ EExitCode Recover(FCommandLine& Line, const FRecoverOptions& Options)
 					   : PrintText(Console, Pending, Strays, Options.bDryRun);
 	const bool bRemoved =
 		!bRemove || std::all_of(Strays.begin(), Strays.end(), [](const FStrayCopies& Each) { return Each.bRemoved; });
-	if (!bAllGood || !bRemoved)
+	const bool bRecovered = Options.bDryRun || std::all_of(Pending.begin(), Pending.end(), IsOver);
+	if (!bAllGood || !bRemoved || !bRecovered)
 	{
 		Console.Fail("not everything could be put back: see above, close what holds the files, then run it again");
 		return EExitCode::Failed;

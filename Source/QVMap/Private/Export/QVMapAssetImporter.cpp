@@ -19,6 +19,8 @@
 #include "Export/QVMapPackageSaver.h"
 #include "Workspace/QVMapPaths.h"
 
+#include <unordered_map>
+
 namespace
 {
 /** One import. Each step gives the sentence for the user when it fails, and nothing when all is well. */
@@ -207,6 +209,7 @@ private:
 		std::vector<FQVName> All = Repointed;
 		All.insert(All.end(), Copies.begin(), Copies.end());
 		FQVEngine::Get().Editor->FinishAllCompilation();
+		const std::unordered_map<FQVName, FQVFileStamp*> Stamps = StampsByPackage();
 		std::vector<std::string> Saved;
 		for (const FQVName Package : All)
 		{
@@ -223,21 +226,31 @@ private:
 					"are read-only, then pack again.",
 					Error);
 			}
+			if (const auto Stamp = Stamps.find(Package); Stamp != Stamps.end())
+			{
+				*Stamp->second = FQVMapForeignFiles::StampOf(Saved.back());
+			}
 		}
 		FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles(Saved);
 		return {};
 	}
 
-	void NoteSaved()
+	std::unordered_map<FQVName, FQVFileStamp*> StampsByPackage()
 	{
+		std::unordered_map<FQVName, FQVFileStamp*> Stamps;
 		for (FQVImportBackup& Backup : Result.Backups)
 		{
-			Backup.Saved = FQVMapForeignFiles::StampOf(Backup.Original);
+			Stamps[Backup.Package] = &Backup.Saved;
 		}
 		for (FQVImportedPackage& Copy : Result.Imported)
 		{
-			Copy.Saved = FQVMapForeignFiles::StampOf(Copy.File);
+			Stamps[Copy.Imported] = &Copy.Saved;
 		}
+		return Stamps;
+	}
+
+	void NoteSaved() const
+	{
 		FQVMapImportJournal::WriteImportManifest(PluginName, Result);
 		FQVMapImportJournal::WriteStamps(PluginName, Result);
 	}
