@@ -198,6 +198,7 @@ void RunOnce(const fs::path& Project, const std::vector<fs::path>& Files, FTimes
 
 FTimes Run(const fs::path& Project, const std::vector<fs::path>& Files, int Rounds)
 {
+	::sync(); // of what was just made nothing is to be written out while we measure
 	FTimes Best;
 	for (int Round = 0; Round < Rounds; ++Round)
 	{

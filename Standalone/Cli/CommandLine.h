@@ -52,4 +52,5 @@ void AddReferencesVerb(FCommandLine& Line);
 void AddSampleVerb(FCommandLine& Line);
 void AddSettingsVerb(FCommandLine& Line);
 void AddSetupVerb(FCommandLine& Line);
+void AddUpdateVerb(FCommandLine& Line);
 } // namespace QVCli

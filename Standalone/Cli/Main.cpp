@@ -67,6 +67,7 @@ void AddVerbs(FCommandLine& Line)
 	AddInspectVerb(Line);
 	AddSettingsVerb(Line);
 	AddSetupVerb(Line);
+	AddUpdateVerb(Line);
 	AddSampleVerb(Line);
 }
 

@@ -5,12 +5,11 @@
 #include "Export/QVMapImportRestore.h"
 #include "Standalone/Cli/TypedPath.h"
 #include "Standalone/Engine/EngineLocator.h"
+#include "Standalone/Engine/Environment.h"
 #include "Standalone/Engine/ExecutablePath.h"
 #include "Standalone/Engine/Interrupt.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/ProjectLocator.h"
-
-#include <cstdlib>
 
 namespace QVCli
 {
@@ -18,12 +17,6 @@ using namespace QVStandalone;
 
 namespace
 {
-std::string EnvironmentValue(const char* Name)
-{
-	const char* Value = std::getenv(Name);
-	return Value != nullptr ? Value : "";
-}
-
 FEngineLocation LocateEngine(const FGlobalOptions& Options, const std::string& ProjectFile)
 {
 	FEngineSearch Search;

@@ -99,4 +99,10 @@ std::string FitColumns(std::string_view Text, std::size_t Width)
 	}
 	return Result;
 }
+
+std::string PadColumns(std::string_view Text, std::size_t Width)
+{
+	const std::size_t Columns = CountColumns(Text);
+	return std::string(Text) + std::string(Columns < Width ? Width - Columns : 0, ' ');
+}
 } // namespace QVCli

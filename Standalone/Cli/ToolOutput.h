@@ -25,6 +25,11 @@ public:
 
 	FQVPipe CreatePipe() override { return Inner.CreatePipe(); }
 	FQVProcHandle CreateProc(std::string_view Program, std::string_view Arguments, const FQVPipe& Output) override;
+	FQVProcHandle CreateDetachedProc(
+		std::string_view Program, std::string_view Arguments, std::string_view WorkingDirectory) override
+	{
+		return Inner.CreateDetachedProc(Program, Arguments, WorkingDirectory);
+	}
 	bool IsProcRunning(FQVProcHandle& Process) override { return Inner.IsProcRunning(Process); }
 	std::string ReadPipe(FQVPipe& Pipe) override;
 	bool GetProcReturnCode(FQVProcHandle& Process, int& OutCode) override;

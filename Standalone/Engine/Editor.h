@@ -3,32 +3,43 @@
 
 #include "Engine/QVDialogs.h"
 #include "Engine/QVEditor.h"
+#include "Standalone/Engine/EditorWorld.h"
 #include "Standalone/Engine/EngineLog.h"
-#include "Standalone/Engine/World.h"
+#include "Standalone/Engine/LevelScriptBlueprint.h"
 
+#include <functional>
 #include <memory>
 
 namespace QVStandalone
 {
-/** The open map, as its file has it: there is no editor that could change it, and nothing compiles in the background.
- */
+/** The open map, as its file has it: there is no editor with it, and nothing compiles in the background. */
 class FEditor : public IQVEditor
 {
 public:
+	using FReadWorld = std::function<QVFormats::TResult<FWorldReading>()>;
+
 	void FinishAllCompilation() override {}
 	const IQVWorld* GetOpenWorld() const override { return World.get(); }
 	/** Nothing ever is dirty. */
 	bool SaveDirtyPackages() override { return true; }
-	/** Always refused: what compiles a blueprint is the real editor. */
+	/**
+	 * What compiles a blueprint is the real editor: refused where no engine is installed that could be asked, and where
+	 * it is known that it cannot be done. Compile does it in the map's file, see FLevelScriptBlueprint; the open map
+	 * has no code then. Good until the next call, or until another map is opened.
+	 */
 	IQVBlueprint* GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& OutRefusal) override;
 	void BeginTransaction(const FQVText&) override {}
 	void EndTransaction() override {}
 
-	/** Null closes the open one. */
-	void SetOpenWorld(std::unique_ptr<FWorld> NewWorld) { World = std::move(NewWorld); }
+	/** Null closes the open one. ReadAgain: reads the same map once more; empty only with null. */
+	void SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgain = {});
 
 private:
-	std::unique_ptr<FWorld> World;
+	std::unique_ptr<FEditorWorld> World;
+	FReadWorld ReadWorld;
+	std::unique_ptr<FLevelScriptBlueprint> Blueprint;
+
+	void RenewWorld(const std::string& File);
 };
 
 /** There is no desktop either: no file dialog can be shown, and a message goes to the log. */

@@ -5,6 +5,7 @@
 #include "Standalone/Engine/OsFile.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/TextEncoding.h"
+#include "Standalone/Formats/Base/Parallel.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -16,6 +17,8 @@ namespace fs = std::filesystem;
 
 namespace QVStandalone
 {
+using namespace QVFormats;
+
 namespace
 {
 /** True if there was no error; else says, in the log, what could not be done and why. */
@@ -28,18 +31,24 @@ bool Succeeded(const std::error_code& Error, std::string_view Path, std::string_
 	return !Error;
 }
 
-/** TBytes: a string, or a vector of bytes. Appends. */
+/** TBytes: a string, or a vector of bytes, whose memory is used again. */
 template<class TBytes>
 std::error_code ReadAll(const fs::path& Path, TBytes& OutBytes)
 {
 	errno = 0;
 	std::ifstream File(Path, std::ios::binary);
-	char Buffer[64 * 1024];
-	while (File.read(Buffer, sizeof(Buffer)), File.gcount() > 0)
+	std::error_code Unknown;
+	const std::uintmax_t Expected = fs::file_size(Path, Unknown);
+	std::size_t Done = 0;
+	do
 	{
-		const auto* Begin = reinterpret_cast<const typename TBytes::value_type*>(Buffer);
-		OutBytes.insert(OutBytes.end(), Begin, Begin + File.gcount());
-	}
+		constexpr std::size_t More = 64 * 1024; // a file may grow, and some tell no size
+		OutBytes.resize(std::max(Done, Unknown ? 0 : static_cast<std::size_t>(Expected)) + More);
+		File.read(
+			reinterpret_cast<char*>(OutBytes.data() + Done), static_cast<std::streamsize>(OutBytes.size() - Done));
+		Done += static_cast<std::size_t>(File.gcount());
+	} while (File);
+	OutBytes.resize(Done);
 	return File.eof() ? std::error_code() : std::error_code(errno != 0 ? errno : EIO, std::generic_category());
 }
 
@@ -48,7 +57,30 @@ template<class TBytes>
 bool Load(std::string_view Path, TBytes& OutBytes)
 {
 	std::error_code Error;
-	return fs::exists(ToOsPath(Path), Error) && Succeeded(ReadAll(ToOsPath(Path), OutBytes), Path, "read");
+	const bool bRead = fs::exists(ToOsPath(Path), Error) && Succeeded(ReadAll(ToOsPath(Path), OutBytes), Path, "read");
+	OutBytes.resize(bRead ? OutBytes.size() : 0);
+	return bRead;
+}
+
+/** Body(Place, Folders) tells whether it succeeded. */
+template<class FBody>
+std::vector<bool> DoAll(std::size_t Count, const FBody& Body)
+{
+	FFolderFlushes Folders;
+	std::vector<char> Done(Count); // of bool, neighbours could not be written at once
+	ParallelFor(ThreadCount(FFolderFlushes::FilesAtOnce, Count), Count,
+		[&](unsigned, std::size_t Place) { Done[Place] = Body(Place, Folders) ? 1 : 0; });
+	fs::path Folder;
+	const std::error_code Error = Folders.Flush(Folder);
+	const bool bFlushed = Succeeded(Error, FromOsPath(Folder), "flushed");
+	return bFlushed ? std::vector<bool>(Done.begin(), Done.end()) : std::vector<bool>(Count);
+}
+
+/** The mark of a read-only file keeps nobody from deleting it here. Missing is an error. */
+std::error_code DeleteNoFolder(const fs::path& Path, FFolderFlushes* Later)
+{
+	std::error_code Ignored;
+	return fs::is_directory(Path, Ignored) ? std::make_error_code(std::errc::is_a_directory) : RemoveEntry(Path, Later);
 }
 
 struct FListed
@@ -183,14 +215,9 @@ bool FFiles::DeleteDirectory(std::string_view Path)
 	return Succeeded(RemoveTree(ToOsPath(Path)), Path, "deleted");
 }
 
-/** The mark keeps nobody from deleting a file here. */
 bool FFiles::DeleteFile(std::string_view Path, bool /*bEvenReadOnly*/)
 {
-	if (DirectoryExists(Path))
-	{
-		return Succeeded(std::make_error_code(std::errc::is_a_directory), Path, "deleted");
-	}
-	const std::error_code Error = RemoveEntry(ToOsPath(Path));
+	const std::error_code Error = DeleteNoFolder(ToOsPath(Path), nullptr);
 	const bool bMissing = Error == std::errc::no_such_file_or_directory;
 	return !bMissing && Succeeded(Error, Path, "deleted");
 }
@@ -203,6 +230,39 @@ bool FFiles::Move(std::string_view To, std::string_view From)
 bool FFiles::Copy(std::string_view To, std::string_view From)
 {
 	return Succeeded(CopyFileOver(ToOsPath(To), ToOsPath(From)), From, std::string("copied to ").append(To));
+}
+
+std::vector<bool> FFiles::CopyFiles(std::span<const FQVFileCopy> Copies)
+{
+	return DoAll(Copies.size(),
+		[Copies](std::size_t Place, FFolderFlushes& Folders)
+		{
+			const FQVFileCopy& Each = Copies[Place];
+			return Succeeded(
+				CopyFileOver(ToOsPath(Each.To), ToOsPath(Each.From), &Folders), Each.From, "copied to " + Each.To);
+		});
+}
+
+std::vector<bool> FFiles::DeleteFiles(std::span<const std::string> Paths, bool /*bEvenReadOnly*/)
+{
+	return DoAll(Paths.size(),
+		[Paths](std::size_t Place, FFolderFlushes& Folders)
+		{
+			const std::error_code Error = DeleteNoFolder(ToOsPath(Paths[Place]), &Folders);
+			return Error == std::errc::no_such_file_or_directory || Succeeded(Error, Paths[Place], "deleted");
+		});
+}
+
+void FFiles::LoadFiles(std::span<const std::string> Paths, const FReader& Reader) const
+{
+	const unsigned Threads = ThreadCount(0, Paths.size());
+	std::vector<std::vector<std::byte>> Buffers(Threads);
+	ParallelFor(Threads, Paths.size(),
+		[&](unsigned Worker, std::size_t Place)
+		{
+			const bool bRead = LoadFileToArray(Buffers[Worker], Paths[Place]);
+			Reader(Place, bRead ? std::optional<std::span<const std::byte>>(Buffers[Worker]) : std::nullopt);
+		});
 }
 
 bool FFiles::LoadFileToString(std::string& OutText, std::string_view Path) const
@@ -218,7 +278,6 @@ bool FFiles::LoadFileToString(std::string& OutText, std::string_view Path) const
 
 bool FFiles::LoadFileToArray(std::vector<std::byte>& OutBytes, std::string_view Path) const
 {
-	OutBytes.clear();
 	return Load(Path, OutBytes);
 }
 

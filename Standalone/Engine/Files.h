@@ -20,6 +20,11 @@ public:
 	bool DeleteFile(std::string_view Path, bool bEvenReadOnly = false) override;
 	bool Move(std::string_view To, std::string_view From) override;
 	bool Copy(std::string_view To, std::string_view From) override;
+	/** Several at once; each folder is flushed once, at the end. If that fails, all have failed. */
+	std::vector<bool> CopyFiles(std::span<const FQVFileCopy> Copies) override;
+	std::vector<bool> DeleteFiles(std::span<const std::string> Paths, bool bEvenReadOnly = false) override;
+	/** One on each core. */
+	void LoadFiles(std::span<const std::string> Paths, const FReader& Reader) const override;
 	bool LoadFileToString(std::string& OutText, std::string_view Path) const override;
 	bool LoadFileToArray(std::vector<std::byte>& OutBytes, std::string_view Path) const override;
 	bool SaveStringToFile(std::string_view Text, std::string_view Path) override;

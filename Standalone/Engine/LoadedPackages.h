@@ -35,12 +35,20 @@ struct FLoadedPackage
 struct FRenameTable
 {
 	explicit FRenameTable(std::vector<QVFormats::FPackageRename> InRenames)
-		: Renames(std::move(InRenames))
-		, OldNames(Renames)
+		: List(std::move(InRenames))
+		, Renames(QVFormats::FPackageRenames::Make(List))
+		, OldNames(List)
 	{
 	}
+	FRenameTable(const FRenameTable&) = delete;
+	FRenameTable& operator=(const FRenameTable&) = delete;
 
-	const std::vector<QVFormats::FPackageRename> Renames;
+private:
+	const std::vector<QVFormats::FPackageRename> List;
+
+public:
+	/** An error if one of them cannot be done. */
+	const QVFormats::TResult<QVFormats::FPackageRenames> Renames;
 	const FRenamedText OldNames;
 };
 

@@ -7,10 +7,12 @@
 #include "Standalone/Engine/OsFile.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Formats/Base/MappedFile.h"
+#include "Standalone/Formats/Base/Parallel.h"
 #include "Standalone/Formats/Package/PackageEditor.h"
 #include "Standalone/Formats/Package/PackageHeader.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 namespace QVStandalone
 {
@@ -33,8 +35,9 @@ bool HoldsItsData(const FPackageHeader& Header, std::size_t FileBytes)
 class FPackageSaver
 {
 public:
-	explicit FPackageSaver(const FPackageSave& InSave)
+	FPackageSaver(const FPackageSave& InSave, FFolderFlushes& InFolders)
 		: Save(InSave)
+		, Folders(InFolders)
 	{
 	}
 
@@ -42,6 +45,7 @@ public:
 
 private:
 	const FPackageSave& Save;
+	FFolderFlushes& Folders;
 	FMappedFile Source;
 
 	FError Refuse(std::string Why) const
@@ -68,7 +72,9 @@ TResult<FPackageEdit> FPackageSaver::Edit() const
 					  " has the data of its objects in a file of its own, as cooking does it: get the package as it "
 					  "was before it was cooked"};
 	}
-	TResult<FPackageEdit> Edit = RenameInPackage(Source.Bytes(), Save.SourceName, Save.Table.Renames);
+	const TResult<FPackageRenames>& Renames = Save.Table->Renames;
+	TResult<FPackageEdit> Edit =
+		Renames ? RenameInPackage(Source.Bytes(), Save.SourceName, *Renames) : TResult<FPackageEdit>(Renames.Error());
 	if (!Edit)
 	{
 		return FError{Save.SourceFile + " " + Edit.Error().Message};
@@ -95,7 +101,7 @@ TResult<std::string> FPackageSaver::FindTexts(const FPackageEdit& Edit) const
 	for (const std::string_view Part : {New.substr(0, Names), New.substr(Header->Names.EndPosition()),
 			 AsText(Source.Bytes().subspan(Edit.OldHeaderBytes))})
 	{
-		Found = Found.empty() ? Save.Table.OldNames.FindIn(Part) : Found;
+		Found = Found.empty() ? Save.Table->OldNames.FindIn(Part) : Found;
 	}
 	if (!Found.empty() && !Header->Summary.IsAtLeast(EUE4Version::SoftPackageNames))
 	{
@@ -113,7 +119,7 @@ FStatus FPackageSaver::Write(const FPackageEdit& Edit) const
 		return FError{Save.File + " is marked read-only: it stays as it is"};
 	}
 	const std::string_view Parts[] = {AsText(Edit.Header), AsText(Source.Bytes().subspan(Edit.OldHeaderBytes))};
-	Error = Error ? Error : ReplaceFile(Target, Parts);
+	Error = Error ? Error : ReplaceFile(Target, Parts, &Folders);
 	return Error ? FError{QVPrintf("%s could not be written: %s", Save.File, Error.message())} : Success();
 }
 
@@ -140,10 +146,33 @@ TResult<std::string> FPackageSaver::Run()
 	const FStatus Written = bSame ? Success() : Write(*Edited);
 	return Written ? Text : Written.Error();
 }
+
+bool IsSourceOfAnother(std::span<const FPackageSave> Saves)
+{
+	std::unordered_set<std::string_view> Targets;
+	for (const FPackageSave& Save : Saves)
+	{
+		Targets.insert(Save.File);
+	}
+	return std::any_of(Saves.begin(), Saves.end(),
+		[&Targets](const FPackageSave& Save)
+		{ return Save.SourceFile != Save.File && Targets.contains(Save.SourceFile); });
+}
 } // namespace
 
-TResult<std::string> SaveRenamedPackage(const FPackageSave& Save)
+std::vector<TResult<std::string>> SaveRenamedPackages(std::span<const FPackageSave> Saves)
 {
-	return FPackageSaver(Save).Run();
+	FFolderFlushes Folders;
+	std::vector<TResult<std::string>> Results(Saves.size(), std::string());
+	const unsigned Threads = IsSourceOfAnother(Saves) ? 1 : FFolderFlushes::FilesAtOnce;
+	ParallelFor(ThreadCount(Threads, Saves.size()), Saves.size(),
+		[&](unsigned, std::size_t Place) { Results[Place] = FPackageSaver(Saves[Place], Folders).Run(); });
+	std::filesystem::path Folder;
+	if (const std::error_code Error = Folders.Flush(Folder))
+	{
+		const FError NotFlushed{QVPrintf("%s could not be flushed: %s", FromOsPath(Folder), Error.message())};
+		Results.assign(Saves.size(), NotFlushed);
+	}
+	return Results;
 }
 } // namespace QVStandalone

@@ -48,6 +48,7 @@ public:
 		std::span<const FQVName> Packages, std::span<const FQVAssetReplacement> Replacements) override;
 	/** Fails where a reference would stay on the old package. */
 	EQVSaveResult SavePackage(FQVName Package, std::string_view File, bool bWorld) override;
+	std::vector<EQVSaveResult> SavePackages(std::span<const FQVPackageToSave> Saves) override;
 	/** Forgets them. */
 	void ReloadPackages(std::span<const FQVName> Packages, std::string& OutMessage) override;
 	/** Forgets them. */
@@ -77,6 +78,7 @@ private:
 	bool HasExternalObjects(std::string_view World) const;
 	std::vector<std::pair<std::string, std::string>> ObjectsOf(const FQVAssetReplacement& Replacement) const;
 	void Forget(std::span<const FQVName> Packages);
+	EQVSaveResult NoteSaved(const FQVPackageToSave& Save, const QVFormats::TResult<std::string>& Saved);
 	void TellOfSaved();
 };
 } // namespace QVStandalone

@@ -200,29 +200,53 @@ void FPackages::ReplaceReferences(std::span<const FQVName> Packages, std::span<c
 	InMemory.ReplaceReferences(Packages, std::move(Targets));
 }
 
-EQVSaveResult FPackages::SavePackage(FQVName Package, std::string_view File, bool /*bWorld*/)
+EQVSaveResult FPackages::SavePackage(FQVName Package, std::string_view File, bool bWorld)
 {
-	FLoadedPackage* Found = InMemory.Find(Package);
-	if (Found == nullptr || Found->SourceFile.empty())
+	const FQVPackageToSave Save{Package, std::string(File), bWorld};
+	return SavePackages(std::span(&Save, 1)).front();
+}
+
+std::vector<EQVSaveResult> FPackages::SavePackages(std::span<const FQVPackageToSave> Saves)
+{
+	std::vector<FPackageSave> Jobs;
+	std::vector<std::size_t> Places;
+	for (std::size_t Place = 0; Place < Saves.size(); ++Place)
 	{
-		LogEngine(EQVLogVerbosity::Error, "%s could not be saved: there is nothing in it", Package.ToView());
-		return EQVSaveResult::Failed;
+		const FQVName Package = Saves[Place].Package;
+		const FLoadedPackage* Found = InMemory.Find(Package);
+		if (Found == nullptr || Found->SourceFile.empty())
+		{
+			LogEngine(EQVLogVerbosity::Error, "%s could not be saved: there is nothing in it", Package.ToView());
+			continue;
+		}
+		Jobs.push_back(
+			{Found->SourceName.ToView(), Found->SourceFile, Saves[Place].File, InMemory.RenamesOf(Package, *Found)});
+		Places.push_back(Place);
 	}
-	const std::shared_ptr<const FRenameTable> Renames = InMemory.RenamesOf(Package, *Found);
-	const TResult<std::string> Saved =
-		SaveRenamedPackage({Found->SourceName.ToView(), Found->SourceFile, std::string(File), *Renames});
+	const std::vector<TResult<std::string>> Saved = SaveRenamedPackages(Jobs);
+	std::vector<EQVSaveResult> Results(Saves.size(), EQVSaveResult::Failed);
+	for (std::size_t Job = 0; Job < Jobs.size(); ++Job)
+	{
+		Results[Places[Job]] = NoteSaved(Saves[Places[Job]], Saved[Job]);
+	}
+	TellOfSaved();
+	return Results;
+}
+
+EQVSaveResult FPackages::NoteSaved(const FQVPackageToSave& Save, const TResult<std::string>& Saved)
+{
 	if (!Saved)
 	{
-		LogEngine(EQVLogVerbosity::Error, "%s could not be saved: %s", Package.ToView(), Saved.Error().Message);
+		LogEngine(EQVLogVerbosity::Error, "%s could not be saved: %s", Save.Package.ToView(), Saved.Error().Message);
 		return EQVSaveResult::Failed;
 	}
 	if (!Saved->empty())
 	{
-		LogEngine(EQVLogVerbosity::Warning, "%s still holds %s in a text, which is no reference", File, *Saved);
+		LogEngine(EQVLogVerbosity::Warning, "%s still holds %s in a text, which is no reference", Save.File, *Saved);
 	}
-	*Found = {Package, std::string(File), {}, Found->bWorld, false};
-	SavedFiles.emplace_back(File);
-	TellOfSaved();
+	FLoadedPackage& Loaded = *InMemory.Find(Save.Package);
+	Loaded = {Save.Package, Save.File, {}, Loaded.bWorld, false};
+	SavedFiles.push_back(Save.File);
 	return EQVSaveResult::Success;
 }
 

@@ -14,6 +14,9 @@ class FProcesses : public IQVProcesses
 public:
 	FQVPipe CreatePipe() override;
 	FQVProcHandle CreateProc(std::string_view Program, std::string_view Arguments, const FQVPipe& Output) override;
+	/** What it prints goes nowhere. */
+	FQVProcHandle CreateDetachedProc(
+		std::string_view Program, std::string_view Arguments, std::string_view WorkingDirectory) override;
 	bool IsProcRunning(FQVProcHandle& Process) override;
 	std::string ReadPipe(FQVPipe& Pipe) override;
 	bool GetProcReturnCode(FQVProcHandle& Process, int& OutCode) override;

@@ -3,6 +3,7 @@
 
 #include "Core/QVPath.h"
 #include "Core/QVPrintf.h"
+#include "Standalone/Engine/ConfigFile.h"
 #include "Standalone/Engine/Descriptor.h"
 #include "Standalone/Engine/EngineLog.h"
 
@@ -46,5 +47,10 @@ std::string FProject::EngineVersion() const
 std::string FProject::DevelopmentAssetRegistryFilename() const
 {
 	return "DevelopmentAssetRegistry.bin";
+}
+
+std::optional<std::string> FProject::GetGameConfigString(std::string_view Section, std::string_view Key) const
+{
+	return ReadGameConfig(ProjectDir(), Engine, Section, Key);
 }
 } // namespace QVStandalone

@@ -18,6 +18,8 @@ public:
 	std::string EngineVersion() const override;
 	std::string DevelopmentAssetRegistryFilename() const override;
 	bool IsRunningCommandlet() const override { return false; }
+	/** Read from the files at each call. */
+	std::optional<std::string> GetGameConfigString(std::string_view Section, std::string_view Key) const override;
 
 private:
 	std::string ProjectFile;

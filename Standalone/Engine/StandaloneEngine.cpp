@@ -24,17 +24,20 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	Interfaces.Editor = &Editor;
 	Interfaces.Files = &Files;
 	Interfaces.GameThread = &GameThread;
+	Interfaces.Http = &Http;
 	Interfaces.JsonReader = &JsonReader;
 	Interfaces.Packages = &Packages;
 	Interfaces.Plugins = &Plugins;
 	Interfaces.Processes = &Processes;
 	Interfaces.Project = &Project;
 	Interfaces.RegistryFile = &RegistryFile;
+	Interfaces.Shell = &Shell;
 	FQVEngine::Install(&Interfaces);
 }
 
 FStandaloneEngine::~FStandaloneEngine()
 {
+	Http.Stop(); // whoever waits for an answer may still ask the others
 	FQVEngine::Install(nullptr);
 }
 
@@ -47,7 +50,14 @@ QVFormats::FStatus FStandaloneEngine::OpenMap(std::string_view PackageName, cons
 	{
 		return World.Error();
 	}
-	Editor.SetOpenWorld(std::move(*World));
+	const auto ReadAgain = [this, Name = std::string(PackageName), Options]() -> QVFormats::TResult<FWorldReading>
+	{
+		auto Own = std::make_unique<FClasses>(Packages, Plugins);
+		auto Again = FWorld::Open({AssetRegistry, Packages, *Own}, Name, Options);
+		return Again ? FWorldReading{std::move(Own), std::move(*Again)}
+					 : QVFormats::TResult<FWorldReading>(Again.Error());
+	};
+	Editor.SetOpenWorld(std::move(*World), ReadAgain);
 	return QVFormats::Success();
 }
 } // namespace QVStandalone

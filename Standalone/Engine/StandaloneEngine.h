@@ -9,12 +9,14 @@
 #include "Standalone/Engine/Editor.h"
 #include "Standalone/Engine/Files.h"
 #include "Standalone/Engine/GameThread.h"
+#include "Standalone/Engine/Http.h"
 #include "Standalone/Engine/JsonReader.h"
 #include "Standalone/Engine/Packages.h"
 #include "Standalone/Engine/Plugins.h"
 #include "Standalone/Engine/Processes.h"
 #include "Standalone/Engine/Project.h"
 #include "Standalone/Engine/RegistryFile.h"
+#include "Standalone/Engine/Shell.h"
 
 namespace QVStandalone
 {
@@ -59,8 +61,10 @@ private:
 	FJsonReader JsonReader;
 	FProcesses Processes;
 	FRegistryFile RegistryFile;
+	FShell Shell;
 	FAssetRegistry AssetRegistry; // keeps the game thread for later
 	FAssetTools AssetTools;
+	FHttp Http{GameThread}; // keeps it for later, too
 	FGameThread GameThread; // last: its threads use all the others
 };
 } // namespace QVStandalone

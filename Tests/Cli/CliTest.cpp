@@ -5,8 +5,10 @@
 #include "Standalone/Engine/OsPath.h"
 #include "Tests/Formats/TestContent.h"
 
+#include <chrono>
 #include <fstream>
 #include <regex>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -150,6 +152,15 @@ void ExpectSameFiles(const FTree& Was, const FTree& Is)
 	{
 		EXPECT_TRUE(Is.at(Name) == Content) << Name << " is not as it was";
 	}
+}
+
+void WaitUntil(const std::function<bool()>& IsSo)
+{
+	for (int Round = 0; Round < 6000 && !IsSo(); ++Round)
+	{
+		std::this_thread::sleep_for(std::chrono::milliseconds(10));
+	}
+	ASSERT_TRUE(IsSo());
 }
 
 FScriptedToolsTest::FScriptedToolsTest()

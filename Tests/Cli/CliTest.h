@@ -6,6 +6,7 @@
 #include "Tests/Support/TempFolder.h"
 #include "Tests/Support/TestProject.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 
 namespace QVTest
@@ -55,6 +56,9 @@ std::string WithoutProgress(std::string_view Text);
 
 /** The files of a project, except those that any run may write: logs, work files, what was cooked. */
 FTree Snapshot(const std::filesystem::path& Project);
+/** Until it is so, for a minute at most. */
+void WaitUntil(const std::function<bool()>& IsSo);
+
 /** Names first: a difference there is told in full. */
 void ExpectSameFiles(const FTree& Was, const FTree& Is);
 

@@ -3,26 +3,13 @@
 
 #include "Standalone/Engine/OsPath.h"
 
-#include <chrono>
 #include <csignal>
-#include <functional>
-#include <thread>
 
 using namespace QVTest;
 namespace fs = std::filesystem;
 
 namespace
 {
-/** Until it is so, for a minute at most. */
-void WaitUntil(const std::function<bool()>& IsSo)
-{
-	for (int Round = 0; Round < 6000 && !IsSo(); ++Round)
-	{
-		std::this_thread::sleep_for(std::chrono::milliseconds(10));
-	}
-	ASSERT_TRUE(IsSo());
-}
-
 class FInterrupted : public FScriptedToolsTest
 {
 protected:

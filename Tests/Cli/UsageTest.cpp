@@ -81,7 +81,7 @@ TEST_F(FUsage, WrongUseIsToldWithTheWayOut)
 	} Cases[] = {
 		{{}, "qvmap needs a verb: maps, check, base-release, pack, references, redirectors, recover, pak, inspect, "
 			 "settings, "
-			 "setup, sample\n  "
+			 "setup, update, sample\n  "
 			 "see: qvmap --help\n"},
 		{{"pakc"}, "'pakc' is not a verb of qvmap. Did you mean 'pak'?\n  see: qvmap --help\n"},
 		{{"publish", "now"}, "'publish' is not a verb of qvmap\n  see: qvmap --help\n"},

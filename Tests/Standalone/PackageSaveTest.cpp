@@ -99,3 +99,57 @@ TEST_F(PackageSave, TellsOfTextsThatNameTheOldPackage)
 	EXPECT_EQ(Try("/Game/D(1)", "\x1F/Game/D(1"), "");
 	EXPECT_EQ(Try("/Game/D(2)", "\x1F/Game/D(2)"), Head + "D(2).uasset still holds /Game/D(2)" + Tail);
 }
+
+TEST_F(PackageSave, ManyAtOnceAreSavedLikeEachAlone)
+{
+	PutMesh("/Game/Rock", {"/Game/Moss"}, 50'000);
+	PutMesh("/Game/Moss");
+	Scan();
+	std::vector<FQVPackageToSave> Saves;
+	for (int Number = 0; Number < 20; ++Number)
+	{
+		const std::string Name = "/Cave/In" + std::to_string(Number % 3) + "/Rock" + std::to_string(Number);
+		EXPECT_TRUE(Duplicate("/Game/Rock", Name.c_str()));
+		Saves.push_back({FQVName(Name), Project.At(FileOf(Name.c_str())), false});
+	}
+	Packages.ReplaceReferences(
+		Copies, std::vector{FQVAssetReplacement{AssetOf("/Game/Moss"), FQVName("/Cave/Moss"), {}}});
+	Saves[5].File = Project.At("Plugins/Cave/Cave.uplugin/Rock5.uasset");
+	Saves[7].Package = FQVName("/Cave/Never");
+	std::vector<EQVSaveResult> Expected(Saves.size(), EQVSaveResult::Success);
+	Expected[5] = Expected[7] = EQVSaveResult::Failed;
+	EXPECT_EQ(Packages.SavePackages(Saves), Expected);
+	EXPECT_EQ(Said(), (FLines{"Error: /Cave/Never could not be saved: there is nothing in it",
+						  "Error: /Cave/In2/Rock5 could not be saved: <Project>/Plugins/Cave/Cave.uplugin/Rock5.uasset "
+						  "could not be written: Not a directory"}));
+	EXPECT_EQ(Dirty(), "/Cave/In1/Rock7 /Cave/In2/Rock5");
+	EXPECT_EQ(Dependencies("/Cave/In0/Rock0"), "") << "the registry hears of it when all are saved";
+	Packages.DeleteAssets(std::vector{FQVName("/Cave/In1/Rock7"), FQVName("/Cave/In2/Rock5")});
+	for (std::size_t Place = 0; Place < Saves.size(); ++Place)
+	{
+		const std::string Name = Saves[Place].Package.ToString();
+		const bool bSaved = Expected[Place] == EQVSaveResult::Success;
+		EXPECT_EQ(Dependencies(Name.c_str()), bSaved ? "hard /Cave/Moss" : "") << Name;
+	}
+	EXPECT_EQ(Project.FilesIn("Plugins/Cave/Content").size(), 18U);
+}
+
+/** A duplicate is made of the file as it is by then. */
+TEST_F(PackageSave, ABatchKeepsToItsOrderWhereOneIsMadeOfAnother)
+{
+	PutMesh("/Game/Rock", {"/Game/Moss"});
+	PutMesh("/Game/Moss");
+	Scan();
+	EXPECT_TRUE(Packages.LoadPackage(FQVName("/Game/Rock")));
+	EXPECT_TRUE(Duplicate("/Game/Rock", "/Cave/Before") && Duplicate("/Game/Rock", "/Cave/After"));
+	Packages.ReplaceReferences(std::vector{FQVName("/Game/Rock")},
+		std::vector{FQVAssetReplacement{AssetOf("/Game/Moss"), FQVName("/Cave/Moss"), {}}});
+	std::vector<FQVPackageToSave> Saves;
+	for (const char* Name : {"/Cave/Before", "/Game/Rock", "/Cave/After"})
+	{
+		Saves.push_back({FQVName(Name), Project.At(FileOf(Name)), false});
+	}
+	EXPECT_EQ(Packages.SavePackages(Saves), std::vector<EQVSaveResult>(3, EQVSaveResult::Success));
+	EXPECT_EQ(Dependencies("/Cave/Before"), "hard /Game/Moss");
+	EXPECT_EQ(Dependencies("/Cave/After"), "hard /Cave/Moss");
+}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Engine/QVEditor.h"
 #include "Engine/QVWorld.h"
+#include "Standalone/Engine/LevelScriptFile.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Tests/Formats/TestContent.h"
 #include "Tests/Support/ToolkitTest.h"
@@ -140,4 +141,27 @@ TEST_F(FRealWorldTest, ClassesOfBlueprintsAreFollowedToTheEngine)
 			<< Class.GetPackageName();
 	}
 	EXPECT_TRUE(Vehicle != nullptr && Vehicle->IsChildOf("/Script/Engine.Actor"));
+}
+
+TEST(RealLevelScript, IsFoundInTheEditorsOwnFiles)
+{
+	QVMAP_NEEDS_CONTENT();
+	const auto Read = [](const std::string& Map)
+	{
+		const fs::path File = ContentFolder() / "a3/Content/ThirdPerson/Maps" / (Map + ".umap");
+		return QVStandalone::FLevelScriptFile::Read("/Game/ThirdPerson/Maps/" + Map, QVStandalone::FromOsPath(File));
+	};
+	const auto Menu = Read("MainMenu");
+	ASSERT_TRUE(Menu);
+	EXPECT_EQ(Menu->GetBlueprintPath(), "/Game/ThirdPerson/Maps/MainMenu.MainMenu:PersistentLevel.MainMenu");
+	EXPECT_EQ(Menu->GetFunctions(), (std::vector<std::string>{"ReceiveBeginPlay", "ExecuteUbergraph_MainMenu"}));
+	const std::vector<std::size_t> Graphs = Menu->GetGraphs();
+	ASSERT_EQ(Graphs.size(), 1U);
+	EXPECT_EQ(Menu->GetName(Graphs[0]), "EventGraph");
+	EXPECT_GT(Menu->GetNodes(Graphs[0]).size(), 2U);
+	const auto Arena = Read("ThirdPersonMap");
+	ASSERT_TRUE(Arena);
+	EXPECT_EQ(Arena->GetGraphs().size(), 2U);
+	const std::vector<std::string> Functions = Arena->GetFunctions();
+	EXPECT_EQ(std::count(Functions.begin(), Functions.end(), "NewEventDispatcher__DelegateSignature"), 1);
 }

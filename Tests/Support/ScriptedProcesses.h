@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Core/QVPrintf.h"
 #include "Engine/QVProcesses.h"
 
 #include <functional>
@@ -47,6 +48,13 @@ public:
 		}
 		++OpenHandles;
 		return {std::make_shared<int>()};
+	}
+	FQVProcHandle CreateDetachedProc(
+		std::string_view Program, std::string_view Arguments, std::string_view WorkingDirectory) override
+	{
+		Commands.push_back(QVPrintf("in %s: %s %s", WorkingDirectory, Program, Arguments));
+		OpenHandles += bStarts ? 1 : 0;
+		return {bStarts ? std::make_shared<int>() : nullptr};
 	}
 	bool IsProcRunning(FQVProcHandle&) override { return Next + 1 < Chunks.size(); }
 	std::string ReadPipe(FQVPipe&) override { return Next < Chunks.size() ? Chunks[Next++] : std::string(); }

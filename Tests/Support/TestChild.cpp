@@ -9,9 +9,12 @@
 //   sleep MILLISECONDS
 //   wait PATH               until the file is there; for half a minute at most
 //   write PATH|TEXT         a file, its folders with it; \n in the text is a line end
+//   copy PATH|PATH          a file over another
 //   remove PATH             a file or a folder
 //   arguments PATH          our arguments into a file, one a line
 //   list FOLDER|PATH        the files below the folder into a file, sorted, one a line
+//   listen PATH             at a socket that is made there
+//   record PATH             one message that comes there, until the sender has closed, into a file
 //   close-output
 //   grandchild MILLISECONDS a process that holds the output open for so long after us
 //   abort
@@ -30,6 +33,8 @@
 #include <string>
 #include <string_view>
 #include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/un.h>
 #include <thread>
 #include <unistd.h>
 #include <vector>
@@ -39,8 +44,10 @@ namespace
 namespace fs = std::filesystem;
 
 constexpr int BadScript = 97;
+constexpr timeval LongestWait{30, 0};
 
 std::vector<std::string> Arguments;
+int Listener = -1;
 
 [[noreturn]] void FailScript(std::string_view Why)
 {
@@ -119,11 +126,16 @@ void PrintRaw(std::string_view Hex)
 	}
 }
 
+void Sleep(int Milliseconds)
+{
+	std::this_thread::sleep_for(std::chrono::milliseconds(Milliseconds));
+}
+
 void WaitFor(const fs::path& Path)
 {
 	for (int Round = 0; Round < 3000 && !fs::exists(Path); ++Round)
 	{
-		std::this_thread::sleep_for(std::chrono::milliseconds(10));
+		Sleep(10);
 	}
 }
 
@@ -146,104 +158,122 @@ void ListFiles(const fs::path& Folder, const fs::path& Out)
 	WriteFile(Out, Text);
 }
 
+void Listen(const std::string& Path)
+{
+	sockaddr_un Address = {};
+	Address.sun_family = AF_UNIX;
+	Path.copy(Address.sun_path, sizeof(Address.sun_path) - 1);
+	Listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
+	::setsockopt(Listener, SOL_SOCKET, SO_RCVTIMEO, &LongestWait, sizeof(LongestWait));
+	if (::bind(Listener, reinterpret_cast<const sockaddr*>(&Address), sizeof(Address)) != 0 ||
+		::listen(Listener, 4) != 0)
+	{
+		FailScript("cannot listen at " + Path);
+	}
+}
+
+void RecordMessage(const fs::path& Out)
+{
+	const int Sender = ::accept(Listener, nullptr, nullptr);
+	if (Sender < 0)
+	{
+		FailScript("nobody came");
+	}
+	std::string Message;
+	char Buffer[256];
+	for (ssize_t Count = 0; (Count = ::read(Sender, Buffer, sizeof(Buffer))) > 0;)
+	{
+		Message.append(Buffer, static_cast<std::size_t>(Count));
+	}
+	::close(Sender);
+	WriteFile(Out, Message);
+}
+
 void StartGrandchild(int Milliseconds)
 {
 	if (::fork() == 0)
 	{
-		std::this_thread::sleep_for(std::chrono::milliseconds(Milliseconds));
+		Sleep(Milliseconds);
 		std::_Exit(0);
 	}
 }
 
-void EndAs(std::string_view Verb, int Number)
+void ListArguments(const fs::path& Out)
+{
+	std::string Text;
+	for (const std::string& Argument : Arguments)
+	{
+		Text += Argument + "\n";
+	}
+	WriteFile(Out, Text);
+}
+
+void PrintLines(int Count)
+{
+	for (int Line = 1; Line <= Count; ++Line)
+	{
+		std::cout << "line " << Line << '\n';
+	}
+}
+
+void RaiseWithoutCore(int Signal)
 {
 	const rlimit NoCore{0, 0};
 	::setrlimit(RLIMIT_CORE, &NoCore);
-	if (Verb == "abort")
-	{
-		std::abort();
-	}
-	if (Verb == "signal")
-	{
-		std::raise(Number);
-		std::this_thread::sleep_for(std::chrono::seconds(30));
-	}
-	std::_Exit(Number);
+	std::raise(Signal);
+	Sleep(30'000);
 }
 
-void DoFiles(std::string_view Verb, const std::string& Rest)
+/** What stands behind the command; as one text, in two parts, as a number. */
+struct FRest
 {
-	const auto [First, Second] = SplitAtBar(Rest);
-	if (Verb == "write")
-	{
-		WriteWithLineEnds(First, Second);
-	}
-	else if (Verb == "remove")
-	{
-		fs::remove_all(Rest);
-	}
-	else if (Verb == "list")
-	{
-		ListFiles(First, Second);
-	}
-	else if (Verb == "arguments")
-	{
-		std::string Text;
-		for (const std::string& Argument : Arguments)
+	std::string Text;
+	std::string First;
+	std::string Second;
+	int Number = 0;
+};
+
+struct FCommand
+{
+	std::string_view Verb;
+	void (*Do)(const FRest& Rest);
+};
+
+constexpr FCommand Commands[] = {
+	{"print", [](const FRest& Rest) { std::cout << Rest.Text << '\n'; }},
+	{"lines", [](const FRest& Rest) { PrintLines(Rest.Number); }},
+	{"raw", [](const FRest& Rest) { PrintRaw(Rest.Text); }},
+	{"sleep", [](const FRest& Rest) { Sleep(Rest.Number); }},
+	{"wait", [](const FRest& Rest) { WaitFor(Rest.Text); }},
+	{"write", [](const FRest& Rest) { WriteWithLineEnds(Rest.First, Rest.Second); }},
+	{"copy", [](const FRest& Rest) { fs::copy_file(Rest.First, Rest.Second, fs::copy_options::overwrite_existing); }},
+	{"remove", [](const FRest& Rest) { fs::remove_all(Rest.Text); }},
+	{"arguments", [](const FRest& Rest) { ListArguments(Rest.Text); }},
+	{"list", [](const FRest& Rest) { ListFiles(Rest.First, Rest.Second); }},
+	{"listen", [](const FRest& Rest) { Listen(Rest.Text); }},
+	{"record", [](const FRest& Rest) { RecordMessage(Rest.Text); }},
+	{"close-output",
+		[](const FRest&)
 		{
-			Text += Argument + "\n";
-		}
-		WriteFile(Rest, Text);
-	}
-	else
+			::close(STDOUT_FILENO);
+			::close(STDERR_FILENO);
+		}},
+	{"grandchild", [](const FRest& Rest) { StartGrandchild(Rest.Number); }},
+	{"abort", [](const FRest&) { RaiseWithoutCore(SIGABRT); }},
+	{"signal", [](const FRest& Rest) { RaiseWithoutCore(Rest.Number); }},
+	{"exit", [](const FRest& Rest) { std::_Exit(Rest.Number); }},
+};
+
+void DoCommand(std::string_view Verb, const std::string& Text)
+{
+	const auto* Command = std::find_if(
+		std::begin(Commands), std::end(Commands), [Verb](const FCommand& Each) { return Each.Verb == Verb; });
+	if (Command == std::end(Commands))
 	{
 		FailScript("no such command: " + std::string(Verb));
 	}
-}
-
-void DoCommand(std::string_view Verb, const std::string& Rest)
-{
-	const int Number = std::atoi(Rest.c_str());
-	if (Verb == "print")
-	{
-		std::cout << Rest << '\n';
-	}
-	else if (Verb == "lines")
-	{
-		for (int Line = 1; Line <= Number; ++Line)
-		{
-			std::cout << "line " << Line << '\n';
-		}
-	}
-	else if (Verb == "raw")
-	{
-		PrintRaw(Rest);
-	}
-	else if (Verb == "sleep")
-	{
-		std::this_thread::sleep_for(std::chrono::milliseconds(Number));
-	}
-	else if (Verb == "wait")
-	{
-		WaitFor(Rest);
-	}
-	else if (Verb == "close-output")
-	{
-		::close(STDOUT_FILENO);
-		::close(STDERR_FILENO);
-	}
-	else if (Verb == "grandchild")
-	{
-		StartGrandchild(Number);
-	}
-	else if (Verb == "exit" || Verb == "abort" || Verb == "signal")
-	{
-		EndAs(Verb, Number);
-	}
-	else
-	{
-		DoFiles(Verb, Rest);
-	}
+	const auto [First, Second] = SplitAtBar(Text);
+	Command->Do({Text, First, Second, std::atoi(Text.c_str())});
 	std::cout.flush();
 }
 } // namespace

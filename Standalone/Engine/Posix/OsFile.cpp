@@ -148,7 +148,8 @@ std::error_code MakeTemporary(
 	return Error ? Error : Closing;
 }
 
-std::error_code Replace(const std::filesystem::path& Target, bool bEvenReadOnly, const FFill& Fill)
+std::error_code Replace(
+	const std::filesystem::path& Target, bool bEvenReadOnly, FFolderFlushes* Later, const FFill& Fill)
 {
 	std::error_code Ignored;
 	const std::filesystem::path Real = FollowLinks(Target);
@@ -171,7 +172,7 @@ std::error_code Replace(const std::filesystem::path& Target, bool bEvenReadOnly,
 		::unlink(Temporary.c_str());
 		return Error;
 	}
-	return FlushFolderOf(Real);
+	return FlushFolderOf(Real, Later);
 }
 } // namespace
 
@@ -186,9 +187,10 @@ std::error_code ReplaceFile(const std::filesystem::path& Target, std::string_vie
 	return ReplaceFile(Target, std::span(&Bytes, 1));
 }
 
-std::error_code ReplaceFile(const std::filesystem::path& Target, std::span<const std::string_view> Parts)
+std::error_code ReplaceFile(
+	const std::filesystem::path& Target, std::span<const std::string_view> Parts, FFolderFlushes* Later)
 {
-	return Replace(Target, false,
+	return Replace(Target, false, Later,
 		[Parts](int File)
 		{
 			std::error_code Error;
@@ -200,9 +202,10 @@ std::error_code ReplaceFile(const std::filesystem::path& Target, std::span<const
 		});
 }
 
-std::error_code CopyFileOver(const std::filesystem::path& Target, const std::filesystem::path& Source)
+std::error_code CopyFileOver(
+	const std::filesystem::path& Target, const std::filesystem::path& Source, FFolderFlushes* Later)
 {
-	return Replace(Target, true, [&Source](int File) { return AppendFile(File, Source); });
+	return Replace(Target, true, Later, [&Source](int File) { return AppendFile(File, Source); });
 }
 
 std::error_code MoveFileOver(const std::filesystem::path& Target, const std::filesystem::path& Source)

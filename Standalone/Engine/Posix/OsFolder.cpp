@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/Posix/OsFolder.h"
 
-#include "Standalone/Engine/OsFile.h"
-
 #include <fcntl.h>
 #include <vector>
 
@@ -10,9 +8,10 @@ namespace QVStandalone
 {
 namespace fs = std::filesystem;
 
-std::error_code FlushFolderOf(const fs::path& Entry)
+namespace
 {
-	const fs::path Folder = Entry.has_parent_path() ? Entry.parent_path() : fs::path(".");
+std::error_code FlushFolder(const fs::path& Folder)
+{
 	const FDescriptor Opened(::open(Folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 	if (!Opened.IsValid())
 	{
@@ -24,6 +23,40 @@ std::error_code FlushFolderOf(const fs::path& Entry)
 	}
 	const bool bDiskCannot = errno == EINVAL || errno == EROFS || errno == EOPNOTSUPP;
 	return bDiskCannot ? std::error_code() : LastError();
+}
+
+fs::path FolderOf(const fs::path& Entry)
+{
+	return Entry.has_parent_path() ? Entry.parent_path() : fs::path(".");
+}
+} // namespace
+
+std::error_code FlushFolderOf(const fs::path& Entry, FFolderFlushes* Later)
+{
+	if (Later == nullptr)
+	{
+		return FlushFolder(FolderOf(Entry));
+	}
+	Later->Add(Entry);
+	return {};
+}
+
+void FFolderFlushes::Add(const fs::path& Entry)
+{
+	const std::lock_guard Held(Lock);
+	Folders.insert(FolderOf(Entry));
+}
+
+std::error_code FFolderFlushes::Flush(fs::path& OutFolder)
+{
+	const std::lock_guard Held(Lock);
+	std::error_code Error;
+	for (; !Error && !Folders.empty(); Folders.erase(Folders.begin()))
+	{
+		OutFolder = *Folders.begin();
+		Error = FlushFolder(OutFolder);
+	}
+	return Error;
 }
 
 std::error_code MakeFolders(const fs::path& Folder)
@@ -52,7 +85,7 @@ std::error_code MakeFolders(const fs::path& Folder)
 	return Error;
 }
 
-std::error_code RemoveEntry(const fs::path& Path)
+std::error_code RemoveEntry(const fs::path& Path, FFolderFlushes* Later)
 {
 	std::error_code Error;
 	const bool bRemoved = fs::remove(Path, Error);
@@ -60,7 +93,7 @@ std::error_code RemoveEntry(const fs::path& Path)
 	{
 		return std::make_error_code(std::errc::no_such_file_or_directory);
 	}
-	return Error ? Error : FlushFolderOf(Path);
+	return Error ? Error : FlushFolderOf(Path, Later);
 }
 
 std::error_code RemoveTree(const fs::path& Folder)

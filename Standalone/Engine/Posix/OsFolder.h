@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Standalone/Engine/OsFile.h"
+
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -39,6 +41,6 @@ private:
 	int Number;
 };
 
-/** The names in the folder that an entry lies, or lay, in are on the disk afterwards. */
-std::error_code FlushFolderOf(const std::filesystem::path& Entry);
+/** The names in the folder that an entry lies, or lay, in are on the disk afterwards, or once Later has flushed it. */
+std::error_code FlushFolderOf(const std::filesystem::path& Entry, FFolderFlushes* Later = nullptr);
 } // namespace QVStandalone

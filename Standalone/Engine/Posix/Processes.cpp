@@ -5,20 +5,17 @@
 #include "Standalone/Engine/ArgumentString.h"
 #include "Standalone/Engine/EngineLog.h"
 #include "Standalone/Engine/Interrupt.h"
+#include "Standalone/Engine/OsPath.h"
+#include "Standalone/Engine/Posix/Spawn.h"
 
 #include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
-#include <spawn.h>
 #include <sys/wait.h>
-#include <system_error>
 #include <thread>
 #include <unistd.h>
-#include <vector>
-
-extern char** environ;
 
 namespace QVStandalone
 {
@@ -27,7 +24,6 @@ namespace
 constexpr std::size_t MostPerRead = std::size_t{1} << 20;
 constexpr int PipeBytes = 1 << 20; // polled a hundred times a second, a pipe of the usual 64 KiB would hold a child up
 constexpr std::chrono::seconds KillAfter{3};
-constexpr int SignalledBase = 128; // as shells report a child that a signal ended
 
 void CloseFile(int& File)
 {
@@ -75,59 +71,6 @@ FChild& ChildOf(const FQVProcHandle& Process)
 	return *static_cast<FChild*>(Process.Impl.get());
 }
 
-std::string ErrorText(int Error)
-{
-	return std::generic_category().message(Error);
-}
-
-/** What a child starts with: the pipe as its output, no input, a process group of its own, no signals blocked. */
-class FSpawnSettings
-{
-public:
-	explicit FSpawnSettings(int WriteEnd)
-	{
-		::posix_spawn_file_actions_init(&Actions);
-		::posix_spawn_file_actions_addopen(&Actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-		::posix_spawn_file_actions_adddup2(&Actions, WriteEnd, STDOUT_FILENO);
-		::posix_spawn_file_actions_adddup2(&Actions, WriteEnd, STDERR_FILENO);
-		sigset_t Signals;
-		::posix_spawnattr_init(&Attributes);
-		::posix_spawnattr_setflags(&Attributes, POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-		::posix_spawnattr_setpgroup(&Attributes, 0);
-		sigemptyset(&Signals);
-		::posix_spawnattr_setsigmask(&Attributes, &Signals);
-		for (const int Signal : {SIGPIPE, SIGXFSZ, SIGINT, SIGTERM, SIGHUP})
-		{
-			sigaddset(&Signals, Signal);
-		}
-		::posix_spawnattr_setsigdefault(&Attributes, &Signals);
-	}
-	FSpawnSettings(const FSpawnSettings&) = delete;
-	FSpawnSettings& operator=(const FSpawnSettings&) = delete;
-	~FSpawnSettings()
-	{
-		::posix_spawnattr_destroy(&Attributes);
-		::posix_spawn_file_actions_destroy(&Actions);
-	}
-
-	/** 0, or the error number. */
-	int Spawn(pid_t& OutId, const std::string& Program, std::vector<std::string>& Arguments) const
-	{
-		std::vector<char*> Pointers;
-		Pointers.reserve(Arguments.size() + 1);
-		for (std::string& Argument : Arguments)
-		{
-			Pointers.push_back(Argument.data());
-		}
-		Pointers.push_back(nullptr);
-		return ::posix_spawn(&OutId, Program.c_str(), &Actions, &Attributes, Pointers.data(), environ);
-	}
-
-private:
-	posix_spawn_file_actions_t Actions;
-	posix_spawnattr_t Attributes;
-};
-
 /** Asks the child's whole group to end; insists when it was asked before. */
 void EndInterruptedChild(FChild& Child)
 {
@@ -148,14 +91,31 @@ void EndInterruptedChild(FChild& Child)
 void RecordEnd(FChild& Child, int Status)
 {
 	Child.bRunning = false;
+	Child.Code = ExitCodeOf(Status);
 	if (WIFSIGNALED(Status))
 	{
-		Child.Code = SignalledBase + WTERMSIG(Status);
 		LogEngine(EQVLogVerbosity::Warning, "%s was ended by signal %d (%s)", Child.Name, WTERMSIG(Status),
 			::strsignal(WTERMSIG(Status)));
-		return;
 	}
-	Child.Code = WEXITSTATUS(Status);
+}
+
+/** The child, or null and the reason in the log. */
+std::shared_ptr<FChild> StartChild(const std::string& File, std::string_view Arguments, const FSpawnOptions& Options)
+{
+	if (FInterrupt::IsRaised())
+	{
+		LogEngine(EQVLogVerbosity::Warning, "%s was not started: interrupted", File);
+		return nullptr;
+	}
+	auto Child = std::make_shared<FChild>();
+	Child->Name = File;
+	const int Error = Spawn(Child->Id, File, SplitArguments(Arguments), Options);
+	if (Error != 0)
+	{
+		LogEngine(EQVLogVerbosity::Warning, "%s could not be started: %s", File, ErrorText(Error));
+		return nullptr;
+	}
+	return Child;
 }
 } // namespace
 
@@ -179,25 +139,32 @@ FQVPipe FProcesses::CreatePipe()
 
 FQVProcHandle FProcesses::CreateProc(std::string_view Program, std::string_view Arguments, const FQVPipe& Output)
 {
-	if (FInterrupt::IsRaised())
-	{
-		LogEngine(EQVLogVerbosity::Warning, "%s was not started: interrupted", Program);
-		return {};
-	}
-	const std::string File(Program);
-	std::vector<std::string> Words = SplitArguments(Arguments);
-	Words.insert(Words.begin(), File);
-	auto Child = std::make_shared<FChild>();
-	Child->Name = File;
 	FPipe& Pipe = PipeOf(Output);
-	const int Error = FSpawnSettings(Pipe.WriteEnd).Spawn(Child->Id, File, Words);
-	if (Error != 0)
+	FSpawnOptions Options;
+	Options.Output = Pipe.WriteEnd;
+	std::shared_ptr<FChild> Child = StartChild(std::string(Program), Arguments, Options);
+	if (Child != nullptr)
 	{
-		LogEngine(EQVLogVerbosity::Warning, "%s could not be started: %s", File, ErrorText(Error));
-		return {};
+		CloseFile(Pipe.WriteEnd); // the child has its own; without ours, the pipe ends when the child does
 	}
-	CloseFile(Pipe.WriteEnd); // the child has its own; without ours, the pipe ends when the child does
-	return {Child};
+	return {std::move(Child)};
+}
+
+FQVProcHandle FProcesses::CreateDetachedProc(
+	std::string_view Program, std::string_view Arguments, std::string_view WorkingDirectory)
+{
+	std::error_code Ignored;
+	FSpawnOptions Options;
+	Options.bOwnSession = true;
+	Options.WorkingFolder = WorkingDirectory;
+	// as seen from our folder, not from the child's
+	const std::string File = FromOsPath(std::filesystem::absolute(ToOsPath(Program), Ignored));
+	std::shared_ptr<FChild> Child = StartChild(File, Arguments, Options);
+	if (Child != nullptr)
+	{
+		ReapInBackground(Child->Id);
+	}
+	return {std::move(Child)};
 }
 
 bool FProcesses::IsProcRunning(FQVProcHandle& Process)

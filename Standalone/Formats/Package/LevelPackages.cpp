@@ -118,6 +118,12 @@ private:
 		MakeAsset(Class, MapName + "_C", "/Script/Engine.BlueprintGeneratedClass");
 		ScriptBlueprint = Add(Imports.Class("/Script/Engine.LevelScriptBlueprint"), Level, MapName);
 		WriteActor(ScriptBlueprint, {});
+		for (const std::string& Graph : Spec.Graphs)
+		{
+			const FPackageIndex Index = Add(Imports.Class("/Script/Engine.EdGraph"), ScriptBlueprint, Graph);
+			WriteActor(Index, {});
+			WriteActor(Add(Imports.Class("/Script/BlueprintGraph.K2Node_Event"), Index, "K2Node_Event_0"), {});
+		}
 		ScriptActor = Add(Class, Level, MapName + "_C_1");
 		WriteActor(ScriptActor, {});
 		Actors.push_back(ScriptActor);

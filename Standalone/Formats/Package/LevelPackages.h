@@ -33,6 +33,8 @@ struct FLevelPackageSpec
 	/** With a Level Blueprint, its class and its actor, which comes last in the level. */
 	bool bScript = false;
 	std::vector<FFunctionSpec> Functions = {};
+	/** Of the Level Blueprint, each with one node. */
+	std::vector<std::string> Graphs = {};
 	/** Long package names. */
 	std::vector<std::string> StreamingLevels = {};
 	/** Static meshes that the world holds on to, long package names. */

@@ -263,22 +263,22 @@ TResult<FPackageEdit> FPackageEditor::Edit()
 	return std::move(Result);
 }
 
-TResult<FPackageEdit> EditPackage(
-	FBytes File, std::string_view PackageName, std::span<const FPackageRename> Renames, bool bAnew)
+TResult<FPackageEdit> EditPackage(FBytes File, std::string_view PackageName, const FPackageRenames& Renames, bool bAnew)
 {
-	const TResult<FPackageRenames> Checked = FPackageRenames::Make(Renames);
-	if (!Checked)
-	{
-		return Checked.Error();
-	}
 	const TResult<FPackageHeader> Header = ReadPackageHeader(File);
-	return Header ? FPackageEditor(File, *Header, *Checked, PackageName, bAnew).Edit()
+	return Header ? FPackageEditor(File, *Header, Renames, PackageName, bAnew).Edit()
 				  : TResult<FPackageEdit>(Header.Error());
 }
 } // namespace
 
 TResult<FPackageEdit> RenameInPackage(
 	FBytes File, std::string_view PackageName, std::span<const FPackageRename> Renames)
+{
+	const TResult<FPackageRenames> Checked = FPackageRenames::Make(Renames);
+	return Checked ? RenameInPackage(File, PackageName, *Checked) : TResult<FPackageEdit>(Checked.Error());
+}
+
+TResult<FPackageEdit> RenameInPackage(FBytes File, std::string_view PackageName, const FPackageRenames& Renames)
 {
 	return EditPackage(File, PackageName, Renames, false);
 }

@@ -28,6 +28,8 @@ struct FPackageEdit
  */
 TResult<FPackageEdit> RenameInPackage(
 	FBytes File, std::string_view PackageName, std::span<const FPackageRename> Renames);
+/** The same, of many files with the same renames: those are checked and sorted once. */
+TResult<FPackageEdit> RenameInPackage(FBytes File, std::string_view PackageName, const FPackageRenames& Renames);
 
 /**
  * The header with every name, text and offset that an edit could change written anew from what was read. Of a file that

@@ -5,7 +5,6 @@
 #include "Core/QVUnicode.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace
 {
@@ -24,6 +23,19 @@ std::size_t SharedLength(std::string_view A, std::string_view B)
 {
 	const auto [End, Unused] = std::mismatch(A.begin(), A.end(), B.begin(), B.end());
 	return static_cast<std::size_t>(End - A.begin());
+}
+
+/** Where in a name the letter stands that names and packages hold least of; else its first. */
+std::size_t RarestLetter(std::string_view Name)
+{
+	for (const char Letter : std::string_view("QXZJqzjKYVxWkwHUy"))
+	{
+		if (const std::size_t At = Name.find(Letter); At != std::string_view::npos)
+		{
+			return At;
+		}
+	}
+	return 0;
 }
 } // namespace
 
@@ -50,6 +62,7 @@ void FQVTextSearch::FGroup::Prepare()
 	{
 		// what the first and the last of a sorted list share, all share
 		Prefix = Patterns.front().Bytes.substr(0, SharedLength(Patterns.front().Bytes, Patterns.back().Bytes));
+		RarestAt = RarestLetter(Prefix);
 	}
 }
 
@@ -83,16 +96,15 @@ void FQVTextSearch::FGroup::Find(std::string_view Bytes, std::vector<bool>& Foun
 		}
 		return;
 	}
-	const std::boyer_moore_horspool_searcher Searcher(Prefix.data(), Prefix.data() + Prefix.size());
-	const char* const End = Bytes.data() + Bytes.size();
-	for (const char* At = Bytes.data();; ++At)
+	// looking for one byte is what libraries and processors are best at
+	const char Rarest = Prefix[RarestAt];
+	for (std::size_t At = Bytes.find(Rarest, RarestAt); At != std::string_view::npos; At = Bytes.find(Rarest, At + 1))
 	{
-		At = std::search(At, End, Searcher);
-		if (At == End)
+		const std::string_view From = Bytes.substr(At - RarestAt);
+		if (From.starts_with(Prefix))
 		{
-			return;
+			MatchAt(From, Found);
 		}
-		MatchAt({At, static_cast<std::size_t>(End - At)}, Found);
 	}
 }
 

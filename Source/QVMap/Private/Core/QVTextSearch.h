@@ -25,11 +25,12 @@ private:
 		std::string Bytes;
 		std::size_t Text = 0;
 	};
-	/** Sorted, and what they all begin with. */
+	/** Sorted, and what they all begin with; the letter in it that is looked for first. */
 	struct FGroup
 	{
 		std::vector<FPattern> Patterns;
 		std::string Prefix;
+		std::size_t RarestAt = 0;
 
 		void Prepare();
 		void Find(std::string_view Bytes, std::vector<bool>& Found) const;

@@ -9,12 +9,14 @@ class IQVDialogs;
 class IQVEditor;
 class IQVFiles;
 class IQVGameThread;
+class IQVHttp;
 class IQVJsonReader;
 class IQVPackages;
 class IQVPlugins;
 class IQVProcesses;
 class IQVProject;
 class IQVRegistryFile;
+class IQVShell;
 class IQVSlowTasks;
 
 /**
@@ -31,12 +33,14 @@ struct FQVEngine
 	IQVEditor* Editor = nullptr;
 	IQVFiles* Files = nullptr;
 	IQVGameThread* GameThread = nullptr;
+	IQVHttp* Http = nullptr;
 	IQVJsonReader* JsonReader = nullptr;
 	IQVPackages* Packages = nullptr;
 	IQVPlugins* Plugins = nullptr;
 	IQVProcesses* Processes = nullptr;
 	IQVProject* Project = nullptr;
 	IQVRegistryFile* RegistryFile = nullptr;
+	IQVShell* Shell = nullptr;
 	/** May stay null: then nobody watches slow tasks, and nobody cancels them. */
 	IQVSlowTasks* SlowTasks = nullptr;
 

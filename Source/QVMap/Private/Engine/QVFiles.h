@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,6 +17,12 @@
 struct IQVFileLock
 {
 	virtual ~IQVFileLock() = default;
+};
+
+struct FQVFileCopy
+{
+	std::string To;
+	std::string From;
 };
 
 /**
@@ -55,6 +63,44 @@ public:
 	 * stay. Appears whole or not at all. The folder has to be there.
 	 */
 	virtual bool Copy(std::string_view To, std::string_view From) = 0;
+
+	/*
+	 * The same for many files, none of them twice, for each as if it were alone: a failure stops no other. An engine
+	 * may work on several at once, so the order is open. Gives for each, in the order given, whether it succeeded.
+	 */
+
+	virtual std::vector<bool> CopyFiles(std::span<const FQVFileCopy> Copies)
+	{
+		std::vector<bool> Done;
+		for (const FQVFileCopy& Each : Copies)
+		{
+			Done.push_back(Copy(Each.To, Each.From));
+		}
+		return Done;
+	}
+	/** One that is not there succeeds. */
+	virtual std::vector<bool> DeleteFiles(std::span<const std::string> Paths, bool bEvenReadOnly = false)
+	{
+		std::vector<bool> Done;
+		for (const std::string& Path : Paths)
+		{
+			Done.push_back(!FileExists(Path) || DeleteFile(Path, bEvenReadOnly));
+		}
+		return Done;
+	}
+
+	/** Bytes are those of the file at this place; none if it cannot be read. They last as long as the call. */
+	using FReader = std::function<void(std::size_t Place, std::optional<std::span<const std::byte>> Bytes)>;
+	/** Reads many files. The reader is called once for each, in no order, on any thread, several at once. */
+	virtual void LoadFiles(std::span<const std::string> Paths, const FReader& Reader) const
+	{
+		std::vector<std::byte> Bytes;
+		for (std::size_t Place = 0; Place < Paths.size(); ++Place)
+		{
+			const bool bRead = LoadFileToArray(Bytes, Paths[Place]);
+			Reader(Place, bRead ? std::optional<std::span<const std::byte>>(Bytes) : std::nullopt);
+		}
+	}
 
 	/** Any of the encodings that the engine's text files come in, as UTF-8; a bad byte becomes U+FFFD. */
 	virtual bool LoadFileToString(std::string& OutText, std::string_view Path) const = 0;

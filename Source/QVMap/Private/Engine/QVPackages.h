@@ -3,8 +3,10 @@
 
 #include "Engine/QVAssetRegistry.h"
 
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /** What is seen of an asset once it is loaded. */
 struct FQVLoadedAsset
@@ -34,6 +36,14 @@ enum class EQVSaveResult : std::uint8_t
 	GenerateStub,
 	/** The reason is in the log. */
 	Failed
+};
+
+/** A loaded package and the full path of the file that it is to be saved to. */
+struct FQVPackageToSave
+{
+	FQVName Package;
+	std::string File;
+	bool bWorld = false;
 };
 
 /**
@@ -85,6 +95,17 @@ public:
 		std::span<const FQVName> Packages, std::span<const FQVAssetReplacement> Replacements) = 0;
 	/** A loaded package to a file; whole or not at all, and on the disk then. The package is clean afterwards. */
 	virtual EQVSaveResult SavePackage(FQVName Package, std::string_view File, bool bWorld) = 0;
+	/** The same for many packages, for each as if it were alone; an engine may work on several at once. Gives what came
+	 * of each, in the order given. */
+	virtual std::vector<EQVSaveResult> SavePackages(std::span<const FQVPackageToSave> Saves)
+	{
+		std::vector<EQVSaveResult> Results;
+		for (const FQVPackageToSave& Save : Saves)
+		{
+			Results.push_back(SavePackage(Save.Package, Save.File, Save.bWorld));
+		}
+		return Results;
+	}
 	/** Loaded packages anew from their files, without their unsaved changes. Message: what the engine has to say of it.
 	 */
 	virtual void ReloadPackages(std::span<const FQVName> Packages, std::string& OutMessage) = 0;

@@ -31,6 +31,12 @@ public:
 	 * is one string in Windows form: blanks separate, quotes group, \" is a quote.
 	 */
 	virtual FQVProcHandle CreateProc(std::string_view Program, std::string_view Arguments, const FQVPipe& Output) = 0;
+	/**
+	 * Starts a program with its windows that goes on when we end. Its handle is good for CloseProc alone. An empty
+	 * working directory is ours.
+	 */
+	virtual FQVProcHandle CreateDetachedProc(
+		std::string_view Program, std::string_view Arguments, std::string_view WorkingDirectory) = 0;
 	virtual bool IsProcRunning(FQVProcHandle& Process) = 0;
 	/** What is waiting, without blocking; never ends inside a UTF-8 character unless the child has ended. */
 	virtual std::string ReadPipe(FQVPipe& Pipe) = 0;

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 /** Where project and engine lie, and which engine it is. Full paths with forward slashes, no slash at the end. */
 class IQVProject
@@ -19,4 +21,7 @@ public:
 	virtual std::string DevelopmentAssetRegistryFilename() const = 0;
 	/** The editor's program runs without its windows: nobody can be asked anything. */
 	virtual bool IsRunningCommandlet() const = 0;
+	/** A value of the project's game configuration, what projects inherit from the engine included; nothing if unset.
+	 */
+	virtual std::optional<std::string> GetGameConfigString(std::string_view Section, std::string_view Key) const = 0;
 };

@@ -19,6 +19,8 @@
 #include "Export/QVMapPackageSaver.h"
 #include "Workspace/QVMapPaths.h"
 
+#include <algorithm>
+
 #include <unordered_map>
 
 namespace
@@ -81,20 +83,35 @@ private:
 		{
 			return QVPrintf("Could not create the backup folder: %s", Folder);
 		}
+		std::vector<FQVImportBackup> Wanted;
+		std::vector<FQVFileCopy> ToMake;
 		for (const FQVName Package : Plan.Repoint)
 		{
 			std::string Original;
-			if (!Packages.DoesPackageExist(Package.ToView(), Original))
+			if (Packages.DoesPackageExist(Package.ToView(), Original))
 			{
-				continue;
+				const std::string Backup =
+					FQVPath::Combine(Folder, QVPrintf("%04d_%s", Wanted.size(), FQVPath::GetCleanFilename(Original)));
+				Wanted.push_back({Package, Original, Backup, FQVMapForeignFiles::StampOf(Original)});
+				ToMake.push_back({Backup, Original});
 			}
-			const std::string Backup = FQVPath::Combine(
-				Folder, QVPrintf("%04d_%s", Result.Backups.size(), FQVPath::GetCleanFilename(Original)));
-			if (!Files.Copy(Backup, Original) || !Files.FileExists(Backup))
+		}
+		const std::vector<bool> bMade = Files.CopyFiles(ToMake);
+		std::string Failed;
+		for (std::size_t Place = 0; Place < Wanted.size(); ++Place)
+		{
+			if (bMade[Place] && Files.FileExists(Wanted[Place].Backup))
 			{
-				return QVPrintf("Could not back up '%s' before packing. Nothing was changed.", Original);
+				Result.Backups.push_back(std::move(Wanted[Place]));
 			}
-			Result.Backups.push_back({Package, Original, Backup, FQVMapForeignFiles::StampOf(Original)});
+			else if (Failed.empty())
+			{
+				Failed = Wanted[Place].Original;
+			}
+		}
+		if (!Failed.empty())
+		{
+			return QVPrintf("Could not back up '%s' before packing. Nothing was changed.", Failed);
 		}
 		return FQVMapImportJournal::WriteImportManifest(PluginName, Result)
 				   ? std::string()
@@ -204,35 +221,57 @@ private:
 		return {};
 	}
 
-	std::string Save()
+	/** Several at once, since a file keeps the disk busy longer than us. */
+	std::string SaveSome(std::span<const FQVName> Some, std::vector<std::string>& OutSaved)
 	{
-		std::vector<FQVName> All = Repointed;
-		All.insert(All.end(), Copies.begin(), Copies.end());
-		FQVEngine::Get().Editor->FinishAllCompilation();
-		const std::unordered_map<FQVName, FQVFileStamp*> Stamps = StampsByPackage();
-		std::vector<std::string> Saved;
-		for (const FQVName Package : All)
+		for (const FQVName Package : Some)
 		{
 			Enter(Package);
 			if (Task != nullptr && Task->ShouldCancel())
 			{
 				return "Cancelled.";
 			}
-			std::string Error;
-			if (!FQVMapPackageSaver::SavePackageToDisk(Package, Saved.emplace_back(), Error))
+		}
+		std::string Error;
+		return FQVMapPackageSaver::SavePackagesToDisk(Some, OutSaved, Error)
+				   ? std::string()
+				   : QVPrintf("Could not save the map after bringing its content in (%s). Check that none of the files "
+							  "are read-only, then pack again.",
+						 Error);
+	}
+
+	std::string Save()
+	{
+		constexpr std::size_t AtOnce = 64;
+		std::vector<FQVName> All = Repointed;
+		All.insert(All.end(), Copies.begin(), Copies.end());
+		FQVEngine::Get().Editor->FinishAllCompilation();
+		std::vector<std::string> Saved;
+		std::string Error;
+		while (Error.empty() && Saved.size() < All.size())
+		{
+			// no copy is written before all of the user's own packages are
+			const std::size_t End = Saved.size() < Repointed.size() ? Repointed.size() : All.size();
+			const std::size_t Count = std::min(AtOnce, End - Saved.size());
+			Error = SaveSome(std::span(All).subspan(Saved.size(), Count), Saved);
+		}
+		NoteStamps(All, Saved);
+		std::erase(Saved, std::string());
+		FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles(Saved);
+		return Error;
+	}
+
+	/** Saved: of the first packages, as many as there are. */
+	void NoteStamps(std::span<const FQVName> All, std::span<const std::string> Saved)
+	{
+		const std::unordered_map<FQVName, FQVFileStamp*> Stamps = StampsByPackage();
+		for (std::size_t Place = 0; Place < Saved.size(); ++Place)
+		{
+			if (const auto Stamp = Stamps.find(All[Place]); Stamp != Stamps.end() && !Saved[Place].empty())
 			{
-				return QVPrintf(
-					"Could not save the map after bringing its content in (%s). Check that none of the files "
-					"are read-only, then pack again.",
-					Error);
-			}
-			if (const auto Stamp = Stamps.find(Package); Stamp != Stamps.end())
-			{
-				*Stamp->second = FQVMapForeignFiles::StampOf(Saved.back());
+				*Stamp->second = FQVMapForeignFiles::StampOf(Saved[Place]);
 			}
 		}
-		FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles(Saved);
-		return {};
 	}
 
 	std::unordered_map<FQVName, FQVFileStamp*> StampsByPackage()
@@ -264,6 +303,9 @@ void PutBack(std::string_view PluginName, FQVImportResult& Result)
 	if (!Error.empty())
 	{
 		Result.ErrorMessage += "\n\n" + Error;
+		// the next recovery is to know of the copies that were saved
+		FQVMapImportJournal::WriteImportManifest(PluginName, Result);
+		FQVMapImportJournal::WriteStamps(PluginName, Result);
 	}
 	else if (Result.Backups.empty())
 	{

@@ -16,6 +16,8 @@
 #include "Export/QVMapUnfinishedSaves.h"
 #include "Workspace/QVMapPaths.h"
 
+#include <algorithm>
+
 namespace
 {
 IQVFiles& Files()
@@ -51,18 +53,63 @@ bool HoldTheSame(const std::string& A, const std::string& B)
 }
 
 /** A map that was saved anew while it was repointed is nobody's but the user's: it goes only where a copy is kept. */
-bool PutBack(const FQVImportBackup& Backup)
+bool PrepareToPutBack(const FQVImportBackup& Backup)
 {
 	const bool bKept =
 		HoldTheSame(Backup.Original, Backup.Backup) || FQVMapForeignFiles::KeepIfChanged(Backup.Original, Backup.Saved);
-	return bKept && FQVMapPaths::EnsureDirectory(FQVPath::GetPath(Backup.Original)) &&
-		   Files().Copy(Backup.Original, Backup.Backup);
+	return bKept && FQVMapPaths::EnsureDirectory(FQVPath::GetPath(Backup.Original));
 }
 
-bool DeleteCopy(const FQVImportedPackage& Copy)
+/** Gives those that could not be put back. */
+std::vector<const FQVImportBackup*> PutBack(std::span<const FQVImportBackup* const> Backups)
 {
-	return Copy.File.empty() || !IsThere(Copy.File) ||
-		   (FQVMapForeignFiles::KeepIfChanged(Copy.File, Copy.Saved) && Files().DeleteFile(Copy.File, true));
+	std::vector<const FQVImportBackup*> Tried;
+	std::vector<const FQVImportBackup*> Failed;
+	std::vector<FQVFileCopy> Copies;
+	for (const FQVImportBackup* Backup : Backups)
+	{
+		if (PrepareToPutBack(*Backup))
+		{
+			Tried.push_back(Backup);
+			Copies.push_back({Backup->Original, Backup->Backup});
+		}
+		else
+		{
+			Failed.push_back(Backup);
+		}
+	}
+	const std::vector<bool> bCopied = Files().CopyFiles(Copies);
+	for (std::size_t Place = 0; Place < Tried.size(); ++Place)
+	{
+		if (!bCopied[Place])
+		{
+			Failed.push_back(Tried[Place]);
+		}
+	}
+	return Failed;
+}
+
+/** Gives the files that could not be deleted. */
+std::vector<std::string> DeleteCopiesOf(std::span<const FQVImportedPackage> Copies)
+{
+	std::vector<std::string> Left;
+	std::vector<std::string> Failed;
+	for (const FQVImportedPackage& Copy : Copies)
+	{
+		if (!Copy.File.empty() && IsThere(Copy.File))
+		{
+			(FQVMapForeignFiles::KeepIfChanged(Copy.File, Copy.Saved) ? Left : Failed).push_back(Copy.File);
+		}
+	}
+	const std::vector<bool> bDeleted = Files().DeleteFiles(Left, true);
+	for (std::size_t Place = 0; Place < Left.size(); ++Place)
+	{
+		if (!bDeleted[Place])
+		{
+			Failed.push_back(Left[Place]);
+		}
+	}
+	return Failed;
 }
 
 /** All is back in its place. A deletion that is cut off is taken up again as long as the manifest is there; without it,
@@ -118,23 +165,30 @@ private:
 	void PutOriginalsBack()
 	{
 		std::vector<std::string> Originals;
+		std::vector<const FQVImportBackup*> There;
 		for (const FQVImportBackup& Backup : Result.Backups)
 		{
 			Originals.push_back(Backup.Original);
-			if (!Files().FileExists(Backup.Backup))
+			if (Files().FileExists(Backup.Backup))
+			{
+				There.push_back(&Backup);
+			}
+			else
 			{
 				QVLog(EQVLogVerbosity::Warning, "QVMap: Backup missing, cannot restore %s", Backup.Original);
 				bAllGood = false;
 			}
-			else if (!PutBack(Backup))
+		}
+		const std::vector<const FQVImportBackup*> Failed = PutBack(There);
+		for (const FQVImportBackup* Backup : There)
+		{
+			if (std::find(Failed.begin(), Failed.end(), Backup) == Failed.end())
 			{
-				QVLog(EQVLogVerbosity::Error, "QVMap: FAILED to restore %s from %s", Backup.Original, Backup.Backup);
-				bAllGood = false;
+				Packages.SetDirtyFlag(Backup->Package, false);
+				continue;
 			}
-			else
-			{
-				Packages.SetDirtyFlag(Backup.Package, false);
-			}
+			QVLog(EQVLogVerbosity::Error, "QVMap: FAILED to restore %s from %s", Backup->Original, Backup->Backup);
+			bAllGood = false;
 		}
 		FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles(Originals);
 	}
@@ -177,13 +231,10 @@ private:
 
 	void DeleteCopies()
 	{
-		for (const FQVImportedPackage& Copy : Result.Imported)
+		for (const std::string& File : DeleteCopiesOf(Result.Imported))
 		{
-			if (!DeleteCopy(Copy))
-			{
-				QVLog(EQVLogVerbosity::Warning, "QVMap: Could not delete imported copy %s", Copy.File);
-				bAllGood = false;
-			}
+			QVLog(EQVLogVerbosity::Warning, "QVMap: Could not delete imported copy %s", File);
+			bAllGood = false;
 		}
 	}
 };
@@ -224,30 +275,34 @@ private:
 
 	void PutOriginalsBack()
 	{
+		std::vector<const FQVImportBackup*> There;
+		std::vector<const FQVImportBackup*> Failed;
 		for (const FQVImportBackup& Backup : Import.Backups)
 		{
 			const bool bThere = IsThere(Backup.Backup);
 			const bool bLost =
 				!bThere && Backup.Saved.Size >= 0 && FQVMapForeignFiles::StampOf(Backup.Original) == Backup.Saved;
-			if (bLost || (bThere && !PutBack(Backup)))
+			bAnyLost = bAnyLost || bLost;
+			if (bThere || bLost)
 			{
-				QVLog(EQVLogVerbosity::Error, "QVMap: Could not restore %s from a previous run's backup",
-					Backup.Original);
-				bAllGood = false;
-				bAnyLost = bAnyLost || bLost;
+				(bThere ? There : Failed).push_back(&Backup);
 			}
+		}
+		const std::vector<const FQVImportBackup*> NotCopied = PutBack(There);
+		Failed.insert(Failed.end(), NotCopied.begin(), NotCopied.end());
+		for (const FQVImportBackup* Backup : Failed)
+		{
+			QVLog(EQVLogVerbosity::Error, "QVMap: Could not restore %s from a previous run's backup", Backup->Original);
+			bAllGood = false;
 		}
 	}
 
 	void DeleteCopies()
 	{
-		for (const FQVImportedPackage& Copy : Import.Imported)
+		for (const std::string& File : DeleteCopiesOf(Import.Imported))
 		{
-			if (!DeleteCopy(Copy))
-			{
-				QVLog(EQVLogVerbosity::Error, "QVMap: Could not delete a previous run's imported copy %s", Copy.File);
-				bAllGood = false;
-			}
+			QVLog(EQVLogVerbosity::Error, "QVMap: Could not delete a previous run's imported copy %s", File);
+			bAllGood = false;
 		}
 	}
 };

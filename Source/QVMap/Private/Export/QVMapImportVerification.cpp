@@ -7,6 +7,8 @@
 #include "Engine/QVEngine.h"
 #include "Engine/QVFiles.h"
 
+#include <algorithm>
+
 namespace
 {
 /** `/Cave/Rock` of `/Cave/Rock_7`; empty if the name does not end in a number as the engine writes them. */
@@ -62,67 +64,74 @@ std::string FindVanished(const FQVImportResult& Import)
 		Vanished.size(), FQVString::Join(Vanished, "\n  "));
 }
 
-/** Each file once, one at a time: which copies another file than their own mentions. */
+/** Reads every file of an import once: which copies another file than their own mentions. */
 class FMentions
 {
 public:
-	explicit FMentions(const FQVImportResult& Import)
-		: Mentioned(Import.Imported.size())
+	explicit FMentions(const FQVImportResult& InImport)
+		: Import(InImport)
 		, Search(TextsToFind(Import, Copies))
+		, Mentioned(Import.Imported.size())
 	{
 	}
 
-	static constexpr std::size_t NoCopy = static_cast<std::size_t>(-1);
-	std::vector<bool> Mentioned;
+	bool IsMentioned(std::size_t Copy) const { return Mentioned[Copy]; }
 
-	/** False if the file cannot be read. Own: the place of the copy that lies in it. */
-	bool Read(const std::string& File, std::size_t Own)
+	/** The first file that cannot be read; empty if all can. */
+	std::string Read()
 	{
-		if (!FQVEngine::Get().Files->LoadFileToArray(Bytes, File))
+		std::vector<std::string> Files;
+		for (const FQVImportedPackage& Copy : Import.Imported)
 		{
-			return false;
+			Files.push_back(Copy.File);
 		}
-		Search.Find(Bytes, Found);
-		for (const std::size_t Place : Found)
+		for (const FQVImportBackup& Backup : Import.Backups)
 		{
-			Mentioned[Copies[Place]] = Mentioned[Copies[Place]] || Copies[Place] != Own;
+			Files.push_back(Backup.Original);
 		}
-		return true;
+		// one for each file, since they come on several threads
+		std::vector<std::optional<FFound>> FoundIn(Files.size());
+		FQVEngine::Get().Files->LoadFiles(Files,
+			[&](std::size_t Place, std::optional<std::span<const std::byte>> Bytes)
+			{
+				if (Bytes)
+				{
+					Search.Find(*Bytes, FoundIn[Place].emplace());
+				}
+			});
+		const auto Unread = std::find(FoundIn.begin(), FoundIn.end(), std::nullopt);
+		Note(FoundIn);
+		return Unread == FoundIn.end() ? std::string() : Files[static_cast<std::size_t>(Unread - FoundIn.begin())];
 	}
 
 private:
-	std::vector<std::size_t> Copies;
-	FQVTextSearch Search;
-	std::vector<std::byte> Bytes;
-	std::vector<std::size_t> Found;
-};
+	/** Places of texts. */
+	using FFound = std::vector<std::size_t>;
 
-std::string ReadAll(const FQVImportResult& Import, FMentions& Mentions)
-{
-	std::string Unreadable;
-	for (const FQVImportBackup& Backup : Import.Backups)
+	const FQVImportResult& Import;
+	std::vector<std::size_t> Copies;
+	const FQVTextSearch Search;
+	std::vector<bool> Mentioned;
+
+	/** A copy lies at its own place. */
+	void Note(const std::vector<std::optional<FFound>>& FoundIn)
 	{
-		if (Unreadable.empty() && !Mentions.Read(Backup.Original, FMentions::NoCopy))
+		for (std::size_t Place = 0; Place < FoundIn.size(); ++Place)
 		{
-			Unreadable = Backup.Original;
+			for (const std::size_t Text : FoundIn[Place].value_or(FFound()))
+			{
+				Mentioned[Copies[Text]] = Mentioned[Copies[Text]] || Copies[Text] != Place;
+			}
 		}
 	}
-	for (std::size_t Place = 0; Place < Import.Imported.size(); ++Place)
-	{
-		if (Unreadable.empty() && !Mentions.Read(Import.Imported[Place].File, Place))
-		{
-			Unreadable = Import.Imported[Place].File;
-		}
-	}
-	return Unreadable;
-}
+};
 
 std::string TellUnmentioned(const FQVImportResult& Import, const FMentions& Mentions)
 {
 	std::vector<std::string> Missing;
 	for (std::size_t Place = 0; Place < Import.Imported.size(); ++Place)
 	{
-		if (!Mentions.Mentioned[Place])
+		if (!Mentions.IsMentioned(Place))
 		{
 			const FQVImportedPackage& Copy = Import.Imported[Place];
 			Missing.push_back(Copy.Imported.ToString());
@@ -153,7 +162,7 @@ std::string FQVMapImportVerification::VerifyImportedReferences(const FQVImportRe
 		return Vanished;
 	}
 	FMentions Mentions(Import);
-	if (const std::string Unreadable = ReadAll(Import, Mentions); !Unreadable.empty())
+	if (const std::string Unreadable = Mentions.Read(); !Unreadable.empty())
 	{
 		return QVPrintf("Could not read '%s' back after saving it, so there is no way to tell whether the map still "
 						"points at the content brought in for packing.",

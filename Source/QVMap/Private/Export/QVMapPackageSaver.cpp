@@ -8,6 +8,28 @@
 #include "Engine/QVPackages.h"
 #include "Export/QVMapImportPaths.h"
 
+namespace
+{
+/** Fills in where the package belongs. */
+bool FindPlace(FQVPackageToSave& Save, std::string& OutError)
+{
+	const IQVPackages& Packages = *FQVEngine::Get().Packages;
+	if (Save.Package.IsNone() || !Packages.IsLoaded(Save.Package))
+	{
+		OutError = "null package";
+		return false;
+	}
+	Save.bWorld = Packages.ContainsWorld(Save.Package);
+	const bool bFound = Packages.TryConvertLongPackageNameToFilename(Save.Package.ToView(), Save.File,
+		Save.bWorld ? IQVPackages::MapPackageExtension : IQVPackages::AssetPackageExtension);
+	if (!bFound)
+	{
+		OutError = QVPrintf("no file path for package %s", Save.Package.ToView());
+	}
+	return bFound;
+}
+} // namespace
+
 bool FQVMapPackageSaver::SaveReferencedPackage(FQVName Package)
 {
 	const FQVEngine& Engine = FQVEngine::Get();
@@ -56,25 +78,29 @@ void FQVMapPackageSaver::SaveDirtyPluginPackages(std::string_view PluginName)
 
 bool FQVMapPackageSaver::SavePackageToDisk(FQVName Package, std::string& OutFile, std::string& OutError)
 {
-	IQVPackages& Packages = *FQVEngine::Get().Packages;
-	if (Package.IsNone() || !Packages.IsLoaded(Package))
+	std::vector<std::string> Files;
+	const bool bSaved = SavePackagesToDisk(std::span(&Package, 1), Files, OutError);
+	OutFile = bSaved ? Files.front() : std::string();
+	return bSaved;
+}
+
+bool FQVMapPackageSaver::SavePackagesToDisk(
+	std::span<const FQVName> Packages, std::vector<std::string>& OutFiles, std::string& OutError)
+{
+	std::vector<FQVPackageToSave> Saves;
+	for (const FQVName Package : Packages)
 	{
-		OutError = "null package";
-		return false;
+		if (!FindPlace(Saves.emplace_back(FQVPackageToSave{Package, {}, false}), OutError))
+		{
+			return false;
+		}
 	}
-	const bool bWorld = Packages.ContainsWorld(Package);
-	std::string File;
-	if (!Packages.TryConvertLongPackageNameToFilename(
-			Package.ToView(), File, bWorld ? IQVPackages::MapPackageExtension : IQVPackages::AssetPackageExtension))
+	const std::vector<EQVSaveResult> Results = FQVEngine::Get().Packages->SavePackages(Saves);
+	for (std::size_t Place = 0; Place < Saves.size(); ++Place)
 	{
-		OutError = QVPrintf("no file path for package %s", Package.ToView());
-		return false;
+		const bool bSaved = Results[Place] != EQVSaveResult::Failed;
+		OutError = bSaved || !OutError.empty() ? OutError : QVPrintf("could not write %s", Saves[Place].File);
+		OutFiles.push_back(bSaved ? std::move(Saves[Place].File) : std::string());
 	}
-	if (Packages.SavePackage(Package, File, bWorld) == EQVSaveResult::Failed)
-	{
-		OutError = QVPrintf("could not write %s", File);
-		return false;
-	}
-	OutFile = std::move(File);
-	return true;
+	return OutError.empty();
 }
