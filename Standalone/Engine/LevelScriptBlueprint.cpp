@@ -67,15 +67,16 @@ void FLevelScriptBlueprint::GetFunctionGraphs(std::vector<IQVGraph*>& Out)
 	List(FunctionGraphs, Out);
 }
 
-void FLevelScriptBlueprint::Compile()
+bool FLevelScriptBlueprint::Compile()
 {
 	if (const FStatus Status = Strip(); !Status)
 	{
 		LogEngine(EQVLogVerbosity::Error, "The Level Blueprint of %s keeps its code: %s", File.Package->Name,
 			Status.Error().Message);
-		return;
+		return false;
 	}
 	OnStripped();
+	return true;
 }
 
 FStatus FLevelScriptBlueprint::Strip() const

@@ -35,8 +35,6 @@ private:
 /**
  * A Level Blueprint as its map's file has it. What is removed here is noted only; Compile has the installed engine do
  * it in the file, where it is saved then and there. It can be undone with the copy that is kept, not by a transaction.
- * Compile tells of a failure in the log alone, at Error, and the file is as it was: who has to know looks at the open
- * map's functions again.
  */
 class FLevelScriptBlueprint : public IQVBlueprint
 {
@@ -48,7 +46,7 @@ public:
 	/** With the macros, which nothing is left to use. */
 	void GetEventGraphs(std::vector<IQVGraph*>& Out) override;
 	void GetFunctionGraphs(std::vector<IQVGraph*>& Out) override;
-	void Compile() override;
+	bool Compile() override;
 	void MarkPackageDirty() override {}
 
 private:

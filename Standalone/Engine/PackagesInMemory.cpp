@@ -242,7 +242,7 @@ EQVSaveResult FPackages::NoteSaved(const FQVPackageToSave& Save, const TResult<s
 	}
 	if (!Saved->empty())
 	{
-		LogEngine(EQVLogVerbosity::Warning, "%s still holds %s in a text, which is no reference", Save.File, *Saved);
+		LogEngine(EQVLogVerbosity::Warning, "%s still holds %s in a text, where it stays", Save.File, *Saved);
 	}
 	FLoadedPackage& Loaded = *InMemory.Find(Save.Package);
 	Loaded = {Save.Package, Save.File, {}, Loaded.bWorld, false};

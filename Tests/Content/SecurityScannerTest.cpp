@@ -70,6 +70,7 @@ struct FStrippingEditor : QVStandalone::FEditor, IQVBlueprint, IQVGraph
 {
 	std::string Story;
 	bool bHasBlueprint = true;
+	bool bCompiles = true;
 	std::string Refusal;
 
 	IQVBlueprint* GetLevelScriptBlueprint(const IQVLevel&, FQVText& OutRefusal) override
@@ -84,7 +85,11 @@ struct FStrippingEditor : QVStandalone::FEditor, IQVBlueprint, IQVGraph
 	void EndTransaction() override { Story += "end"; }
 	void GetEventGraphs(std::vector<IQVGraph*>& Out) override { Out = {nullptr, this}; }
 	void GetFunctionGraphs(std::vector<IQVGraph*>& Out) override { Out = {this}; }
-	void Compile() override { Story += "compile; "; }
+	bool Compile() override
+	{
+		Story += "compile; ";
+		return bCompiles;
+	}
 	void MarkPackageDirty() override { Story += "dirty; "; }
 	/** Of blueprint and graph alike. */
 	void Modify() override { Story += "modify; "; }
@@ -213,6 +218,9 @@ TEST_F(FSecurityTest, StripsALevelBlueprintInOneStep)
 		"begin QVMap/StripLevelBP Strip Level Blueprint Code; modify; modify; remove 8; remove 16; modify; remove 8; "
 		"remove 16; compile; dirty; end");
 	EXPECT_EQ(Logged(), "QVMap Security: Level Blueprint code stripped successfully (Ctrl+Z to undo)\n");
+	Editor.bCompiles = false;
+	EXPECT_FALSE(FQVMapSecurityScanner::StripLevelBlueprint(&World));
+	EXPECT_EQ(Logged(), "Error: QVMap Security: The Level Blueprint keeps its code\n");
 	Editor.Story.clear();
 	Editor.Refusal = "not here";
 	EXPECT_FALSE(FQVMapSecurityScanner::StripLevelBlueprint(&World));

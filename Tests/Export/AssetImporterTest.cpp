@@ -246,6 +246,27 @@ struct FCancelling : IQVSlowTasks
 };
 } // namespace
 
+TEST_F(FAssetImporter, ModFolderMayBeALink)
+{
+	Begin({"/Game/Rock"});
+	PutMesh("/Game/Rock");
+	const std::filesystem::path Link = Project.At("Plugins/Cave");
+	const std::filesystem::path Elsewhere = Project.At("Saved/Shared");
+	std::filesystem::create_directories(Elsewhere);
+	std::filesystem::rename(Link, Elsewhere / "Cave");
+	std::filesystem::create_directory_symlink(Elsewhere / "Cave", Link);
+	Scan();
+	const std::string Before = Project.Read("Saved/Shared/Cave/Content/Hall.umap");
+	{
+		const FQVImportScope Scope("Cave");
+		ASSERT_TRUE(Scope.GetResult().bSuccess) << Scope.GetResult().ErrorMessage;
+		EXPECT_NE(Project.Read("Saved/Shared/Cave/Content/Hall.umap"), Before);
+	}
+	EXPECT_EQ(Project.Read("Saved/Shared/Cave/Content/Hall.umap"), Before);
+	EXPECT_TRUE(std::filesystem::is_symlink(Link));
+	EXPECT_EQ(Project.FilesIn("Saved/Shared/Cave/Content"), std::vector<std::string>{"Hall.umap"});
+}
+
 TEST_F(FAssetImporter, CancelledImportIsUndone)
 {
 	Begin({"/Game/Rock", "/Game/Moss"});

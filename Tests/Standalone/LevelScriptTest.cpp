@@ -99,7 +99,7 @@ struct FLevelScriptTest : FContentTest
 	{
 		const IQVWorld& World = Open();
 		const std::string Before = Project.Read(MapFile);
-		EXPECT_TRUE(FQVMapSecurityScanner::StripLevelBlueprint(&World));
+		EXPECT_FALSE(FQVMapSecurityScanner::StripLevelBlueprint(&World));
 		EXPECT_EQ(Project.Read(MapFile), Before);
 		EXPECT_EQ(Project.FilesIn("Saved/QVPak/Backup"), FTexts());
 		EXPECT_FALSE(FQVMapSecurityScanner::ScanForMapEligibility("Cave", &World, {}).bIsMap);
@@ -277,7 +277,7 @@ TEST_F(FLevelScriptTest, TakesGraphsAsAWhole)
 	Events[0]->RemoveNode(Nodes[0]);
 	Events[0]->GetNodes(Nodes);
 	EXPECT_TRUE(Nodes.empty());
-	Found->Compile();
+	EXPECT_FALSE(Found->Compile());
 	EXPECT_EQ(Said(EQVLogVerbosity::Error), FTexts{"The Level Blueprint of /Cave/Maps/Hall keeps its code: the graph "
 												   "Open Gate has nodes left, and graphs only go as a whole"});
 	EXPECT_EQ(Children.Commands, FTexts());

@@ -91,7 +91,7 @@ TEST_F(PackageSave, TellsOfTextsThatNameTheOldPackage)
 		return Lines.empty() ? std::string() : Lines.front();
 	};
 	const std::string Head = "Warning: <Project>/Plugins/Cave/Content/";
-	const std::string Tail = " in a text, which is no reference";
+	const std::string Tail = " in a text, where it stays";
 	EXPECT_EQ(Try("/Game/A", "x(/game/STEIN.Stein)"), Head + "A.uasset still holds /Game/Stein" + Tail);
 	EXPECT_EQ(Try("/Game/B", std::string("x\xFF\xFF/\0G\0a\0m\0e\0/\0B\0.\0B\0\0\0", 23)),
 		Head + "B.uasset still holds /Game/B" + Tail);

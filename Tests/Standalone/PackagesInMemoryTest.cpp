@@ -95,7 +95,7 @@ TEST_F(PackagesInMemory, CopiesReferToCopies)
 	EXPECT_TRUE(Save("/Cave/In/Game/Rock"));
 	EXPECT_EQ(
 		Said(), FLines{"Warning: <Project>/Plugins/Cave/Content/In/Game/Cellar.umap still holds /Game/Cellar in a "
-					   "text, which is no reference"}); // the level's address
+					   "text, where it stays"}); // the level's address
 	EXPECT_EQ(Dirty(), "");
 
 	// of the registry, which nobody has asked to scan anything

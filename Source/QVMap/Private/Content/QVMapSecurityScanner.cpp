@@ -221,7 +221,7 @@ void RemoveAllNodes(IQVGraph* Graph)
 	}
 }
 
-void StripBlueprint(IQVBlueprint& Blueprint)
+bool StripBlueprint(IQVBlueprint& Blueprint)
 {
 	Blueprint.Modify();
 	std::vector<IQVGraph*> Graphs;
@@ -229,8 +229,9 @@ void StripBlueprint(IQVBlueprint& Blueprint)
 	std::for_each(Graphs.begin(), Graphs.end(), RemoveAllNodes);
 	Blueprint.GetFunctionGraphs(Graphs);
 	std::for_each(Graphs.begin(), Graphs.end(), RemoveAllNodes);
-	Blueprint.Compile();
+	const bool bCompiled = Blueprint.Compile();
 	Blueprint.MarkPackageDirty();
+	return bCompiled;
 }
 } // namespace
 
@@ -281,8 +282,13 @@ bool FQVMapSecurityScanner::StripLevelBlueprint(const IQVWorld* World)
 		return true;
 	}
 	Editor.BeginTransaction(FQVText("QVMap", "StripLevelBP", "Strip Level Blueprint Code"));
-	StripBlueprint(*Blueprint);
+	const bool bStripped = StripBlueprint(*Blueprint);
 	Editor.EndTransaction();
+	if (!bStripped)
+	{
+		QVLog(EQVLogVerbosity::Error, "QVMap Security: The Level Blueprint keeps its code");
+		return false;
+	}
 	QVLog(EQVLogVerbosity::Log, "QVMap Security: Level Blueprint code stripped successfully (Ctrl+Z to undo)");
 	return true;
 }

@@ -31,7 +31,8 @@ public:
 	/** Each replaces Out; null for an empty slot. */
 	virtual void GetEventGraphs(std::vector<IQVGraph*>& Out) = 0;
 	virtual void GetFunctionGraphs(std::vector<IQVGraph*>& Out) = 0;
-	/** With no options; what the compiler says is dropped. */
-	virtual void Compile() = 0;
+	/** With no options; what the compiler says is dropped. False: the engine could not take the change over, nothing
+	 * has changed, and the log says why. */
+	virtual bool Compile() = 0;
 	virtual void MarkPackageDirty() = 0;
 };

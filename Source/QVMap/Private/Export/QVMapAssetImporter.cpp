@@ -15,13 +15,12 @@
 #include "Export/QVMapImportPaths.h"
 #include "Export/QVMapImportPlan.h"
 #include "Export/QVMapImportRestore.h"
+#include "Export/QVMapImportSaving.h"
 #include "Export/QVMapImportVerification.h"
 #include "Export/QVMapPackageSaver.h"
 #include "Workspace/QVMapPaths.h"
 
 #include <algorithm>
-
-#include <unordered_map>
 
 namespace
 {
@@ -41,7 +40,7 @@ public:
 		std::string Error = BackUp();
 		Error = Error.empty() ? Copy() : Error;
 		Error = Error.empty() ? Repoint() : Error;
-		Error = Error.empty() ? Save() : Error;
+		Error = Error.empty() ? FQVMapImportSaving(Result, Task.get()).Save(Repointed, Copies) : Error;
 		if (Error.empty())
 		{
 			NoteSaved();
@@ -66,14 +65,6 @@ private:
 		IQVSlowTasks* Tasks = FQVEngine::Get().SlowTasks;
 		const auto Amount = static_cast<float>(Plan.External.Num() + Plan.Repoint.Num());
 		return Tasks == nullptr ? nullptr : Tasks->Begin(Amount, FQVText::FromString("Bringing outside content in"));
-	}
-
-	void Enter(FQVName Package) const
-	{
-		if (Task != nullptr)
-		{
-			Task->EnterProgressFrame(1, FQVText::FromString(Package.ToString()));
-		}
 	}
 
 	std::string BackUp()
@@ -222,72 +213,6 @@ private:
 	}
 
 	/** Several at once, since a file keeps the disk busy longer than us. */
-	std::string SaveSome(std::span<const FQVName> Some, std::vector<std::string>& OutSaved)
-	{
-		for (const FQVName Package : Some)
-		{
-			Enter(Package);
-			if (Task != nullptr && Task->ShouldCancel())
-			{
-				return "Cancelled.";
-			}
-		}
-		std::string Error;
-		return FQVMapPackageSaver::SavePackagesToDisk(Some, OutSaved, Error)
-				   ? std::string()
-				   : QVPrintf("Could not save the map after bringing its content in (%s). Check that none of the files "
-							  "are read-only, then pack again.",
-						 Error);
-	}
-
-	std::string Save()
-	{
-		constexpr std::size_t AtOnce = 64;
-		std::vector<FQVName> All = Repointed;
-		All.insert(All.end(), Copies.begin(), Copies.end());
-		FQVEngine::Get().Editor->FinishAllCompilation();
-		std::vector<std::string> Saved;
-		std::string Error;
-		while (Error.empty() && Saved.size() < All.size())
-		{
-			// no copy is written before all of the user's own packages are
-			const std::size_t End = Saved.size() < Repointed.size() ? Repointed.size() : All.size();
-			const std::size_t Count = std::min(AtOnce, End - Saved.size());
-			Error = SaveSome(std::span(All).subspan(Saved.size(), Count), Saved);
-		}
-		NoteStamps(All, Saved);
-		std::erase(Saved, std::string());
-		FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles(Saved);
-		return Error;
-	}
-
-	/** Saved: of the first packages, as many as there are. */
-	void NoteStamps(std::span<const FQVName> All, std::span<const std::string> Saved)
-	{
-		const std::unordered_map<FQVName, FQVFileStamp*> Stamps = StampsByPackage();
-		for (std::size_t Place = 0; Place < Saved.size(); ++Place)
-		{
-			if (const auto Stamp = Stamps.find(All[Place]); Stamp != Stamps.end() && !Saved[Place].empty())
-			{
-				*Stamp->second = FQVMapForeignFiles::StampOf(Saved[Place]);
-			}
-		}
-	}
-
-	std::unordered_map<FQVName, FQVFileStamp*> StampsByPackage()
-	{
-		std::unordered_map<FQVName, FQVFileStamp*> Stamps;
-		for (FQVImportBackup& Backup : Result.Backups)
-		{
-			Stamps[Backup.Package] = &Backup.Saved;
-		}
-		for (FQVImportedPackage& Copy : Result.Imported)
-		{
-			Stamps[Copy.Imported] = &Copy.Saved;
-		}
-		return Stamps;
-	}
-
 	void NoteSaved() const
 	{
 		FQVMapImportJournal::WriteImportManifest(PluginName, Result);

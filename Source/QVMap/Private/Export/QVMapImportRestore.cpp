@@ -13,6 +13,7 @@
 #include "Engine/QVProject.h"
 #include "Export/QVMapImportJournal.h"
 #include "Export/QVMapImportPaths.h"
+#include "Export/QVMapImportUndo.h"
 #include "Export/QVMapUnfinishedSaves.h"
 #include "Workspace/QVMapPaths.h"
 
@@ -23,105 +24,6 @@ namespace
 IQVFiles& Files()
 {
 	return *FQVEngine::Get().Files;
-}
-
-/** A disk that fails to tell of a file for a moment must not pass for one that has none: then its folder is asked. */
-bool IsThere(const std::string& File)
-{
-	bool bFound = Files().FileExists(File);
-	const auto Visit = [&](std::string_view Path, bool bIsDirectory)
-	{
-		bFound = !bIsDirectory && FQVPath::GetCleanFilename(Path) == FQVPath::GetCleanFilename(File);
-		return !bFound;
-	};
-	if (!bFound)
-	{
-		Files().IterateDirectory(FQVPath::GetPath(File), Visit);
-	}
-	return bFound;
-}
-
-bool HoldTheSame(const std::string& A, const std::string& B)
-{
-	if (Files().FileSize(A) != Files().FileSize(B))
-	{
-		return false;
-	}
-	std::vector<std::byte> BytesOfA;
-	std::vector<std::byte> BytesOfB;
-	return Files().LoadFileToArray(BytesOfA, A) && Files().LoadFileToArray(BytesOfB, B) && BytesOfA == BytesOfB;
-}
-
-/** A map that was saved anew while it was repointed is nobody's but the user's: it goes only where a copy is kept. */
-bool PrepareToPutBack(const FQVImportBackup& Backup)
-{
-	const bool bKept =
-		HoldTheSame(Backup.Original, Backup.Backup) || FQVMapForeignFiles::KeepIfChanged(Backup.Original, Backup.Saved);
-	return bKept && FQVMapPaths::EnsureDirectory(FQVPath::GetPath(Backup.Original));
-}
-
-/** Gives those that could not be put back. */
-std::vector<const FQVImportBackup*> PutBack(std::span<const FQVImportBackup* const> Backups)
-{
-	std::vector<const FQVImportBackup*> Tried;
-	std::vector<const FQVImportBackup*> Failed;
-	std::vector<FQVFileCopy> Copies;
-	for (const FQVImportBackup* Backup : Backups)
-	{
-		if (PrepareToPutBack(*Backup))
-		{
-			Tried.push_back(Backup);
-			Copies.push_back({Backup->Original, Backup->Backup});
-		}
-		else
-		{
-			Failed.push_back(Backup);
-		}
-	}
-	const std::vector<bool> bCopied = Files().CopyFiles(Copies);
-	for (std::size_t Place = 0; Place < Tried.size(); ++Place)
-	{
-		if (!bCopied[Place])
-		{
-			Failed.push_back(Tried[Place]);
-		}
-	}
-	return Failed;
-}
-
-/** Gives the files that could not be deleted. */
-std::vector<std::string> DeleteCopiesOf(std::span<const FQVImportedPackage> Copies)
-{
-	std::vector<std::string> Left;
-	std::vector<std::string> Failed;
-	for (const FQVImportedPackage& Copy : Copies)
-	{
-		if (!Copy.File.empty() && IsThere(Copy.File))
-		{
-			(FQVMapForeignFiles::KeepIfChanged(Copy.File, Copy.Saved) ? Left : Failed).push_back(Copy.File);
-		}
-	}
-	const std::vector<bool> bDeleted = Files().DeleteFiles(Left, true);
-	for (std::size_t Place = 0; Place < Left.size(); ++Place)
-	{
-		if (!bDeleted[Place])
-		{
-			Failed.push_back(Left[Place]);
-		}
-	}
-	return Failed;
-}
-
-/** All is back in its place. A deletion that is cut off is taken up again as long as the manifest is there; without it,
- * what is left of the folder does no harm. */
-void DeleteJournal(std::string_view PluginName)
-{
-	const std::string Copies = FQVMapImportPaths::GetCopiesFolder(PluginName);
-	if (Files().DirectoryExists(Copies) && !FQVMapImportJournal::HasCopies(PluginName))
-	{
-		Files().DeleteDirectory(Copies); // nothing but empty folders
-	}
-	Files().DeleteDirectory(FQVMapImportPaths::GetJournalFolder(PluginName));
 }
 
 class FRestore
@@ -150,7 +52,7 @@ public:
 			return QVPrintf("Some of '%s' could not be put back automatically. The originals are kept in %s.",
 				PluginName, FQVMapImportPaths::GetJournalFolder(PluginName));
 		}
-		DeleteJournal(PluginName);
+		FQVMapImportUndo::DeleteJournal(PluginName);
 		QVLog(EQVLogVerbosity::Log, "QVMap: Restored %s after packing (%d copy, %d rewritten)", PluginName,
 			Result.Imported.size(), Result.Backups.size());
 		return {};
@@ -179,7 +81,7 @@ private:
 				bAllGood = false;
 			}
 		}
-		const std::vector<const FQVImportBackup*> Failed = PutBack(There);
+		const std::vector<const FQVImportBackup*> Failed = FQVMapImportUndo::PutBack(There);
 		for (const FQVImportBackup* Backup : There)
 		{
 			if (std::find(Failed.begin(), Failed.end(), Backup) == Failed.end())
@@ -231,7 +133,7 @@ private:
 
 	void DeleteCopies()
 	{
-		for (const std::string& File : DeleteCopiesOf(Result.Imported))
+		for (const std::string& File : FQVMapImportUndo::DeleteCopies(Result.Imported))
 		{
 			QVLog(EQVLogVerbosity::Warning, "QVMap: Could not delete imported copy %s", File);
 			bAllGood = false;
@@ -259,7 +161,7 @@ public:
 		if (bAllGood)
 		{
 			FQVMapUnfinishedSaves::Delete(PluginName, Import);
-			DeleteJournal(PluginName);
+			FQVMapImportUndo::DeleteJournal(PluginName);
 			QVLog(EQVLogVerbosity::Warning,
 				"QVMap: A previous pack of '%s' did not finish. Its original files have been put back.", PluginName);
 		}
@@ -279,7 +181,7 @@ private:
 		std::vector<const FQVImportBackup*> Failed;
 		for (const FQVImportBackup& Backup : Import.Backups)
 		{
-			const bool bThere = IsThere(Backup.Backup);
+			const bool bThere = FQVMapImportUndo::IsThere(Backup.Backup);
 			const bool bLost =
 				!bThere && Backup.Saved.Size >= 0 && FQVMapForeignFiles::StampOf(Backup.Original) == Backup.Saved;
 			bAnyLost = bAnyLost || bLost;
@@ -288,7 +190,7 @@ private:
 				(bThere ? There : Failed).push_back(&Backup);
 			}
 		}
-		const std::vector<const FQVImportBackup*> NotCopied = PutBack(There);
+		const std::vector<const FQVImportBackup*> NotCopied = FQVMapImportUndo::PutBack(There);
 		Failed.insert(Failed.end(), NotCopied.begin(), NotCopied.end());
 		for (const FQVImportBackup* Backup : Failed)
 		{
@@ -299,7 +201,7 @@ private:
 
 	void DeleteCopies()
 	{
-		for (const std::string& File : DeleteCopiesOf(Import.Imported))
+		for (const std::string& File : FQVMapImportUndo::DeleteCopies(Import.Imported))
 		{
 			QVLog(EQVLogVerbosity::Error, "QVMap: Could not delete a previous run's imported copy %s", File);
 			bAllGood = false;
