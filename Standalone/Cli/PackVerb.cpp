@@ -28,6 +28,8 @@ struct FPackOptions
 	std::string StartMap;
 	/** The mod that was probably meant, if there is none of that name. */
 	std::string NearestMod;
+	/** The project has that mod. */
+	bool bKnown = false;
 	bool bDryRun = false;
 };
 
@@ -68,6 +70,7 @@ bool ResolveArguments(FConsole& Console, FPackOptions& Options)
 		Options.NearestMod = NearestWord(Options.Mod, ModNames(Scan));
 		return true;
 	}
+	Options.bKnown = true;
 	Options.Mod = Mod->Name;
 	if (Options.StartMap.empty())
 	{
@@ -217,10 +220,12 @@ EExitCode Pack(FCommandLine& Line, FPackOptions Options)
 		return EExitCode::Failed;
 	}
 	FConsole& Console = Session->Console;
-	const bool bKnown = FQVMapScanner::ScanMods().Find(Options.Mod) != nullptr;
+	const bool bKnown = Options.bKnown;
+	const bool bAsksRegistry =
+		Options.bDryRun || FQVMapConfig::GetImportExternalAssets() || FQVMapConfig::GetFilterUnusedAssets();
 	FPackPreparation Preparation;
 	FQVNameSet UsedPackages;
-	if (bKnown && !ScanRegistry(*Session))
+	if (bKnown && bAsksRegistry && !ScanRegistry(*Session))
 	{
 		return EExitCode::Failed;
 	}

@@ -44,12 +44,6 @@ std::string ClassText(const FQVExternalReference& Reference)
 	return Reference.AssetClass.empty() ? "(unknown)" : EscapeControls(Reference.AssetClass);
 }
 
-std::string Padded(std::string Text, std::size_t Columns)
-{
-	const std::size_t Has = CountColumns(Text);
-	return Text + std::string(Columns > Has ? Columns - Has : 0, ' ');
-}
-
 std::string LeftPadded(const std::string& Text, std::size_t Columns)
 {
 	return std::string(Columns > Text.size() ? Columns - Text.size() : 0, ' ') + Text;
@@ -78,7 +72,7 @@ std::string MissingText(const FReferences& Missing)
 	{
 		const std::string Size = Each.SizeBytes > 0 ? MegabytesText(Each.SizeBytes) : "?";
 		Text += QVPrintf("%s  %s  %s  %s\n              by  %s\n", LeftPadded(Size, SizeColumns),
-			Each.bHardReference ? "hard" : "soft", Padded(ClassText(Each), ClassColumns), Shown(Each.Package),
+			Each.bHardReference ? "hard" : "soft", PadColumns(ClassText(Each), ClassColumns), Shown(Each.Package),
 			ChainText(Each));
 	}
 	return Text;

@@ -4,6 +4,7 @@
 #include "Standalone/Cli/InspectReport.h"
 #include "Standalone/Cli/RegistryScan.h"
 #include "Standalone/Cli/Session.h"
+#include "Standalone/Cli/TextColumns.h"
 #include "Workspace/QVMapConfig.h"
 #include "Workspace/QVMapPaths.h"
 
@@ -35,17 +36,12 @@ std::string_view CommandFor(const FQVDiagnosticFinding& Row)
 	return Row.Id == FQVName("Setup.GameLaunch") ? "qvmap settings set game_exe_path FILE" : std::string_view();
 }
 
-std::string Padded(std::string_view Text, std::size_t Columns)
-{
-	return std::string(Text) + std::string(Columns > Text.size() ? Columns - Text.size() : 0, ' ');
-}
-
 void PrintText(FConsole& Console, const FQVDiagnosticFindings& Rows)
 {
 	const std::string Inner(StateColumns, ' ');
 	for (const FQVDiagnosticFinding& Row : Rows)
 	{
-		Console.Result(Padded(StateOf(Row), StateColumns) + Padded(Row.Title.ToString(), TitleColumns) +
+		Console.Result(PadColumns(StateOf(Row), StateColumns) + PadColumns(Row.Title.ToString(), TitleColumns) +
 					   EscapeControls(Row.Detail.ToString()));
 		const bool bToDo = Row.Severity >= EQVDiagSeverity::Warning;
 		if (bToDo)

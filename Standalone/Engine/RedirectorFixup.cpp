@@ -22,14 +22,6 @@ using namespace QVFormats;
 
 namespace
 {
-bool IsReadOnly(const std::string& File)
-{
-	constexpr auto Write = std::filesystem::perms::owner_write | std::filesystem::perms::group_write |
-						   std::filesystem::perms::others_write;
-	std::error_code Error;
-	return (std::filesystem::status(ToOsPath(File), Error).permissions() & Write) == std::filesystem::perms::none;
-}
-
 std::string_view AsText(FBytes Bytes)
 {
 	return {reinterpret_cast<const char*>(Bytes.data()), Bytes.size()};
@@ -111,7 +103,7 @@ FRedirectorFix FRedirectorFixup::Describe(FQVName Package) const
 	{
 		Fix.Obstacle = QVPrintf("it lies outside the project: %s", Fix.File);
 	}
-	if (Fix.Obstacle.empty() && IsReadOnly(Fix.File))
+	if (Fix.Obstacle.empty() && IsMarkedReadOnly(ToOsPath(Fix.File)))
 	{
 		Fix.Obstacle = QVPrintf("%s is read-only", Fix.File);
 	}

@@ -20,10 +20,15 @@
 #include "Export/QVMapPackageSaver.h"
 #include "Workspace/QVMapPaths.h"
 
-#include <algorithm>
-
 namespace
 {
+/** With the copies that were saved, and how all files were left. */
+void WriteJournal(std::string_view PluginName, const FQVImportResult& Result)
+{
+	FQVMapImportJournal::WriteImportManifest(PluginName, Result);
+	FQVMapImportJournal::WriteStamps(PluginName, Result);
+}
+
 /** One import. Each step gives the sentence for the user when it fails, and nothing when all is well. */
 class FImport
 {
@@ -43,7 +48,7 @@ public:
 		Error = Error.empty() ? FQVMapImportSaving(Result, Task.get()).Save(Repointed, Copies) : Error;
 		if (Error.empty())
 		{
-			NoteSaved();
+			WriteJournal(PluginName, Result);
 			Error = FQVMapImportVerification::VerifyImportedReferences(Result);
 		}
 		return Error;
@@ -211,13 +216,6 @@ private:
 		Packages.ReplaceReferences(Copies, Replacements);
 		return {};
 	}
-
-	/** Several at once, since a file keeps the disk busy longer than us. */
-	void NoteSaved() const
-	{
-		FQVMapImportJournal::WriteImportManifest(PluginName, Result);
-		FQVMapImportJournal::WriteStamps(PluginName, Result);
-	}
 };
 
 /** After a failure; the message says so if that fails too. */
@@ -228,9 +226,7 @@ void PutBack(std::string_view PluginName, FQVImportResult& Result)
 	if (!Error.empty())
 	{
 		Result.ErrorMessage += "\n\n" + Error;
-		// the next recovery is to know of the copies that were saved
-		FQVMapImportJournal::WriteImportManifest(PluginName, Result);
-		FQVMapImportJournal::WriteStamps(PluginName, Result);
+		WriteJournal(PluginName, Result);
 	}
 	else if (Result.Backups.empty())
 	{
@@ -286,8 +282,7 @@ FQVImportResult FQVMapAssetImporter::BringInExternalAssets(std::string_view Plug
 		FQVImportResult Refused;
 		Refused.ErrorMessage =
 			QVPrintf("An earlier pack of '%s' did not finish, and it could not be put back. Its original files are in "
-					 "%s. Nothing "
-					 "was changed. The log says what stands in the way: remove that, then pack again.",
+					 "%s. Nothing was changed. The log says what stands in the way: remove that, then pack again.",
 				PluginName, FQVMapImportPaths::GetJournalFolder(PluginName));
 		return Refused;
 	}

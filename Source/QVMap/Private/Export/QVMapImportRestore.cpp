@@ -3,7 +3,6 @@
 
 #include "Core/QVCheck.h"
 #include "Core/QVLog.h"
-#include "Core/QVPath.h"
 #include "Engine/QVAssetRegistry.h"
 #include "Engine/QVEditor.h"
 #include "Engine/QVEngine.h"
@@ -15,7 +14,6 @@
 #include "Export/QVMapImportPaths.h"
 #include "Export/QVMapImportUndo.h"
 #include "Export/QVMapUnfinishedSaves.h"
-#include "Workspace/QVMapPaths.h"
 
 #include <algorithm>
 

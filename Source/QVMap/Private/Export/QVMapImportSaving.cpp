@@ -33,7 +33,7 @@ std::string FQVMapImportSaving::SaveSome(std::span<const FQVName> Some, std::vec
 
 std::string FQVMapImportSaving::Save(const std::vector<FQVName>& Repointed, const std::vector<FQVName>& Copies)
 {
-	constexpr std::size_t AtOnce = 64;
+	constexpr std::size_t AtOnce = 64; // a file keeps the disk busy longer than us
 	std::vector<FQVName> All = Repointed;
 	All.insert(All.end(), Copies.begin(), Copies.end());
 	FQVEngine::Get().Editor->FinishAllCompilation();

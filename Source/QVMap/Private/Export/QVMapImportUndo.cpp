@@ -29,8 +29,9 @@ bool HoldTheSame(const std::string& A, const std::string& B)
 /** A map that was saved anew while it was repointed is nobody's but the user's: it goes only where a copy is kept. */
 bool PrepareToPutBack(const FQVImportBackup& Backup)
 {
-	const bool bKept =
-		HoldTheSame(Backup.Original, Backup.Backup) || FQVMapForeignFiles::KeepIfChanged(Backup.Original, Backup.Saved);
+	const FQVFileStamp Now = FQVMapForeignFiles::StampOf(Backup.Original);
+	const bool bKept = Now.Size < 0 || Now == Backup.Saved || HoldTheSame(Backup.Original, Backup.Backup) ||
+					   FQVMapForeignFiles::Keep(Backup.Original);
 	return bKept && FQVMapPaths::EnsureDirectory(FQVPath::GetPath(Backup.Original));
 }
 } // namespace
