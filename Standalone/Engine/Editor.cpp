@@ -3,6 +3,7 @@
 
 #include "Engine/QVEngine.h"
 #include "Engine/QVPackages.h"
+#include "Standalone/Engine/EngineLog.h"
 #include "Standalone/Engine/LevelScriptStrip.h"
 
 namespace QVStandalone

@@ -11,6 +11,7 @@
 #include "Standalone/Engine/GameThread.h"
 #include "Standalone/Engine/Http.h"
 #include "Standalone/Engine/JsonReader.h"
+#include "Standalone/Engine/NoDialogs.h"
 #include "Standalone/Engine/Packages.h"
 #include "Standalone/Engine/Plugins.h"
 #include "Standalone/Engine/Processes.h"

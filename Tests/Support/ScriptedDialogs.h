@@ -2,7 +2,11 @@
 #pragma once
 
 #include "Core/QVPrintf.h"
+#include "Core/QVString.h"
 #include "Engine/QVDialogs.h"
+
+#include <functional>
+#include <map>
 
 namespace QVTest
 {
@@ -11,15 +15,111 @@ class FScriptedDialogs : public IQVDialogs
 {
 public:
 	bool bDesktop = true;
+	/** Of a file dialog. */
 	std::optional<std::string> Answer;
+	/** The newest message or file dialog. */
 	std::string Asked;
 
-	void ShowMessage(const FQVText& Message) override { Asked = Message.ToString(); }
+	/** By the key of a question's title, or of its body where it has none: "Yes", or the key of a button. Anything else
+	 * is taken as closing the dialog. */
+	std::map<std::string, std::string> Choices;
+	/** All that was shown, one entry each: "message", "question" or "note", its keys, its text, the answer. */
+	std::vector<std::string> Shown;
+	/** Called while a message or question is open, with its entry. */
+	std::function<void(const std::string&)> OnShown;
+
+	void ShowMessage(const FQVText& Message, const FQVText& Title) override
+	{
+		Asked = Message.ToString();
+		Note(QVPrintf("message %s: %s%s", Keys(Message, Title), Heading(Title), Asked));
+	}
+	bool AskYesNo(const FQVText& Message, const FQVText& Title) override
+	{
+		const std::string Choice = Choose(Message, Title);
+		Note(QVPrintf("question %s: %s%s [Yes|No] > %s", Keys(Message, Title), Heading(Title), Message.ToString(),
+			Choice == "Yes" ? "Yes" : "No"));
+		return Choice == "Yes";
+	}
+	std::size_t ShowCustomDialog(const FQVCustomDialog& Dialog) override
+	{
+		const std::string Choice = Choose(Dialog.Body, Dialog.Title);
+		std::size_t Pressed = Dialog.Cancel;
+		std::vector<std::string> Labels;
+		for (std::size_t Place = 0; Place < Dialog.Buttons.size(); ++Place)
+		{
+			Labels.push_back(Dialog.Buttons[Place].ToString());
+			Pressed = Dialog.Buttons[Place].GetKey() == Choice ? Place : Pressed;
+		}
+		Note(QVPrintf("question %s: %s%s [%s] > %s", Keys(Dialog.Body, Dialog.Title), Heading(Dialog.Title),
+			Dialog.Body.ToString(), FQVString::Join(Labels, "|"), Labels.at(Pressed)));
+		return Pressed;
+	}
+	std::shared_ptr<IQVNotification> AddNotification(const FQVNotificationInfo& Info) override
+	{
+		return std::make_shared<FNotification>(*this, Info);
+	}
 	bool HasDesktop() const override { return bDesktop; }
 	std::optional<std::string> OpenFileDialog(std::string_view Title, std::string_view FileTypes) override
 	{
 		Asked = QVPrintf("%s, %s", Title, FileTypes);
 		return Answer;
+	}
+
+private:
+	class FNotification : public IQVNotification
+	{
+	public:
+		FNotification(FScriptedDialogs& InOwner, const FQVNotificationInfo& Info)
+			: Owner(InOwner)
+		{
+			Owner.Shown.push_back(
+				QVPrintf("note %s: %s (%s, %s, %g s)", Info.Text.GetKey(), Info.Text.ToString(), Info.Image,
+					Info.bFireAndForget ? "goes by itself" : "stays", Info.FadeOutDuration) +
+				Word(Info.CompletionState));
+		}
+		/** The same again is not told again. */
+		void SetText(const FQVText& Text) override
+		{
+			std::string Entry = QVPrintf("note %s: %s", Text.GetKey(), Text.ToString());
+			if (Entry != Last)
+			{
+				Owner.Shown.push_back(Last = std::move(Entry));
+			}
+		}
+		void SetCompletionState(EQVCompletionState State) override { Owner.Shown.back() += Word(State); }
+		void ExpireAndFadeout() override { Owner.Shown.back() += ", fades"; }
+
+	private:
+		FScriptedDialogs& Owner;
+		std::string Last;
+
+		static const char* Word(EQVCompletionState State)
+		{
+			constexpr const char* Words[] = {"", ", pending", ", success", ", fail"};
+			return Words[static_cast<std::size_t>(State)];
+		}
+	};
+
+	static std::string Keys(const FQVText& Message, const FQVText& Title)
+	{
+		return Title.GetKey().empty() ? Message.GetKey() : Title.GetKey() + "/" + Message.GetKey();
+	}
+	static std::string Heading(const FQVText& Title)
+	{
+		return Title.GetSource().empty() ? std::string() : "<" + Title.ToString() + "> ";
+	}
+	std::string Choose(const FQVText& Message, const FQVText& Title) const
+	{
+		const auto Found = Choices.find(Title.GetKey().empty() ? Message.GetKey() : Title.GetKey());
+		return Found == Choices.end() ? std::string() : Found->second;
+	}
+	void Note(std::string Entry)
+	{
+		Shown.push_back(std::move(Entry));
+		if (OnShown)
+		{
+			OnShown(std::string(Shown.back()));
+		}
 	}
 };
 } // namespace QVTest
