@@ -53,4 +53,5 @@ void AddSampleVerb(FCommandLine& Line);
 void AddSettingsVerb(FCommandLine& Line);
 void AddSetupVerb(FCommandLine& Line);
 void AddUpdateVerb(FCommandLine& Line);
+void AddWorkshopVerb(FCommandLine& Line);
 } // namespace QVCli

@@ -30,6 +30,30 @@ void FEditor::SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgai
 	Blueprint.reset();
 	World = NewWorld != nullptr ? std::make_unique<FEditorWorld>(std::move(NewWorld)) : nullptr;
 	ReadWorld = std::move(ReadAgain);
+	if (World != nullptr)
+	{
+		TellMapOpened();
+	}
+}
+
+std::shared_ptr<void> FEditor::OnMapOpened(std::function<void()> Callback)
+{
+	auto Subscription = std::make_shared<std::function<void()>>(std::move(Callback));
+	MapOpened.push_back(Subscription);
+	return Subscription;
+}
+
+void FEditor::TellMapOpened()
+{
+	std::erase_if(MapOpened, [](const auto& Each) { return Each.expired(); });
+	// who is called may end subscriptions, and begin some
+	for (const auto& Each : std::vector(MapOpened))
+	{
+		if (const auto Subscription = Each.lock())
+		{
+			(*Subscription)();
+		}
+	}
 }
 
 IQVBlueprint* FEditor::GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& OutRefusal)

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
 
 namespace QVStandalone
 {
@@ -18,6 +19,7 @@ public:
 
 	void FinishAllCompilation() override {}
 	const IQVWorld* GetOpenWorld() const override { return World.get(); }
+	std::shared_ptr<void> OnMapOpened(std::function<void()> Callback) override;
 	/** Nothing ever is dirty. */
 	bool SaveDirtyPackages() override { return true; }
 	/**
@@ -36,7 +38,10 @@ private:
 	std::unique_ptr<FEditorWorld> World;
 	FReadWorld ReadWorld;
 	std::unique_ptr<FLevelScriptBlueprint> Blueprint;
+	/** Gone: no longer asked for. */
+	std::vector<std::weak_ptr<const std::function<void()>>> MapOpened;
 
+	void TellMapOpened();
 	void RenewWorld(const std::string& File);
 };
 } // namespace QVStandalone

@@ -25,6 +25,7 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	Interfaces.Files = &Files;
 	Interfaces.GameThread = &GameThread;
 	Interfaces.Http = &Http;
+	Interfaces.Images = &Images;
 	Interfaces.JsonReader = &JsonReader;
 	Interfaces.Packages = &Packages;
 	Interfaces.Plugins = &Plugins;

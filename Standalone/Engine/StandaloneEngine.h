@@ -10,6 +10,7 @@
 #include "Standalone/Engine/Files.h"
 #include "Standalone/Engine/GameThread.h"
 #include "Standalone/Engine/Http.h"
+#include "Standalone/Engine/Images.h"
 #include "Standalone/Engine/JsonReader.h"
 #include "Standalone/Engine/NoDialogs.h"
 #include "Standalone/Engine/Packages.h"
@@ -59,6 +60,7 @@ private:
 	FNoDialogs Dialogs;
 	FEditor Editor;
 	FFiles Files;
+	FImages Images;
 	FJsonReader JsonReader;
 	FProcesses Processes;
 	FRegistryFile RegistryFile;

@@ -45,6 +45,17 @@ TEST(String, FindsAndReplaces)
 	EXPECT_EQ(FQVString::Join({}, "+"), "");
 }
 
+TEST(String, SplitsAndTrims)
+{
+	using FPieces = std::vector<std::string_view>;
+	EXPECT_EQ(FQVString::Split("/Cave//Maps/Hall.Hall/", '/'), (FPieces{"Cave", "Maps", "Hall.Hall"}));
+	EXPECT_EQ(FQVString::Split("a, ,b", ','), (FPieces{"a", " ", "b"}));
+	EXPECT_EQ(FQVString::Split(",,", ','), FPieces());
+	EXPECT_EQ(FQVString::TrimStartAndEnd(" \t\r\n\v\fa b\xC2\xA0\xE3\x80\x80\xC2\x85"), "a b");
+	EXPECT_EQ(FQVString::TrimStartAndEnd("\xE2\x80\x80\xE2\x80\x8A"), "");
+	EXPECT_EQ(FQVString::TrimStartAndEnd("\xE2\x80\x8B\xC2\xA1"), "\xE2\x80\x8B\xC2\xA1") << "no white space";
+}
+
 TEST(String, CutsTexts)
 {
 	EXPECT_EQ(FQVString::NonEmptyLines("a\r\n\r\n\nb\rc"), (std::vector{"a"sv, "b"sv, "c"sv}));

@@ -17,6 +17,8 @@ public:
 	bool bDesktop = true;
 	/** Of a file dialog. */
 	std::optional<std::string> Answer;
+	/** Of one for several files. */
+	std::vector<std::string> Answers;
 	/** The newest message or file dialog. */
 	std::string Asked;
 
@@ -63,6 +65,11 @@ public:
 	{
 		Asked = QVPrintf("%s, %s", Title, FileTypes);
 		return Answer;
+	}
+	std::vector<std::string> OpenFilesDialog(std::string_view Title, std::string_view FileTypes) override
+	{
+		Asked = QVPrintf("%s, %s, several", Title, FileTypes);
+		return Answers;
 	}
 
 private:

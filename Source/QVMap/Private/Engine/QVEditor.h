@@ -3,6 +3,9 @@
 
 #include "Core/QVText.h"
 
+#include <functional>
+#include <memory>
+
 class IQVBlueprint;
 class IQVLevel;
 class IQVWorld;
@@ -18,6 +21,11 @@ public:
 
 	/** Null without a world. */
 	virtual const IQVWorld* GetOpenWorld() const = 0;
+	/**
+	 * Has it called, on the game thread, each time a map has been opened, as long as what it gives back lives. Null: in
+	 * this engine no map is opened behind the toolkit's back.
+	 */
+	[[nodiscard]] virtual std::shared_ptr<void> OnMapOpened(std::function<void()> /*Callback*/) { return nullptr; }
 	/** Saves what is dirty, maps and content, without asking. False if something could not be saved. */
 	virtual bool SaveDirtyPackages() = 0;
 
