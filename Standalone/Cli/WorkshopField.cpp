@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Cli/WorkshopField.h"
 
+#include "Core/QVPrintf.h"
 #include "Core/QVString.h"
 #include "Engine/QVEngine.h"
 #include "Engine/QVFiles.h"

@@ -2,11 +2,11 @@
 #include "Interface/SQVWorkshopTab.h"
 
 #include "Core/QVPath.h"
+#include "Core/QVPrintf.h"
 #include "Core/QVString.h"
 #include "Engine/QVEditor.h"
 #include "Engine/QVEngine.h"
 #include "Engine/QVFiles.h"
-#include "Export/QVMapBaseReleaseBuild.h"
 #include "Export/QVMapLastExport.h"
 #include "Workspace/QVMapPaths.h"
 #include "Workspace/QVMapReadiness.h"
@@ -38,8 +38,9 @@ std::string ShortStartMap(const std::string& GamePath)
 }
 } // namespace
 
-SQVWorkshopTab::SQVWorkshopTab(IQVWorkshopTabView& InView)
+SQVWorkshopTab::SQVWorkshopTab(IQVWorkshopTabView& InView, FQVWorkshopTabActions InActions)
 	: View(InView)
+	, Actions(std::move(InActions))
 	, LastExport(Loc("NoExport", "No previous export found"))
 {
 	FollowOpenMap();
@@ -110,7 +111,7 @@ void SQVWorkshopTab::ShowVisibility()
 void SQVWorkshopTab::ResolveStartMap()
 {
 	// a build sets the descriptors aside, and no mod would be found
-	if (FQVMapBaseReleaseBuild::IsBaseReleaseBuilding())
+	if (IsBaseReleaseBuilding())
 	{
 		return;
 	}

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Export/QVMapExportResult.h"
 #include "HandOff/QVMapWorkshopConfig.h"
 #include "HandOff/QVMapWorkshopImages.h"
 #include "Interface/SQVWorkshopForm.h"
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <span>
@@ -32,6 +34,19 @@ struct FQVWorkshopBrush
 	FQVImagePixels Image;
 };
 
+/** What the tab starts or asks that is another one's to do. */
+struct FQVWorkshopTabActions
+{
+	/** The base release is being built, and mods are set aside meanwhile. Unbound: it is not. */
+	std::function<bool()> IsBaseReleaseBuilding;
+	/** The open map's mod, map and game path; false when there is none, which the user then has been told. */
+	std::function<bool(std::string& OutMod, std::string& OutMap, std::string& OutGamePath)> ResolveOpenMap;
+	/** Packs the mod without launching the game; OnComplete follows a pak that is to be used. */
+	std::function<void(const std::string& Mod, const std::string& Map, const std::string& GamePath,
+		std::function<void(const FQVExportResult&)> OnComplete)>
+		RunExport;
+};
+
 /**
  * The tab "Share Map" without its drawing: the Workshop details of the map that is open, saved at every edit, and the
  * way from the button to the game. It is bound to the plugin of that map, or to none. Game thread.
@@ -40,7 +55,7 @@ class SQVWorkshopTab
 {
 public:
 	/** Shows the open map's details at once, and follows when another one is opened. The view outlives the tab. */
-	explicit SQVWorkshopTab(IQVWorkshopTabView& InView);
+	SQVWorkshopTab(IQVWorkshopTabView& InView, FQVWorkshopTabActions InActions);
 	SQVWorkshopTab(const SQVWorkshopTab&) = delete;
 	SQVWorkshopTab& operator=(const SQVWorkshopTab&) = delete;
 
@@ -70,6 +85,7 @@ public:
 
 private:
 	IQVWorkshopTabView& View;
+	const FQVWorkshopTabActions Actions;
 	/** Empty when no map qualifies. */
 	std::string PluginName;
 	std::string PluginDir;
@@ -90,6 +106,7 @@ private:
 	/** Last: it goes first. */
 	std::shared_ptr<void> MapOpenedHandle;
 
+	bool IsBaseReleaseBuilding() const { return Actions.IsBaseReleaseBuilding && Actions.IsBaseReleaseBuilding(); }
 	void FollowOpenMap();
 	void RefreshIdentity();
 	void LoadForm();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The tab's images: what is picked, shown and warned of.
 #include "Core/QVPath.h"
+#include "Core/QVPrintf.h"
 #include "Core/QVString.h"
 #include "Engine/QVDialogs.h"
 #include "Engine/QVEngine.h"

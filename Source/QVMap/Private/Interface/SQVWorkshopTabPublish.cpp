@@ -4,7 +4,6 @@
 #include "Core/QVString.h"
 #include "Engine/QVDialogs.h"
 #include "Engine/QVEngine.h"
-#include "Export/QVMapBaseReleaseBuild.h"
 #include "HandOff/QVMapPlaytest.h"
 #include "Interface/SQVWorkshopTab.h"
 
@@ -38,13 +37,13 @@ void HandOver(const std::string& UploadPath)
 
 bool SQVWorkshopTab::IsOpenMapShown(std::string& OutMap, std::string& OutGamePath)
 {
-	if (FQVMapBaseReleaseBuild::IsBaseReleaseBuilding())
+	if (IsBaseReleaseBuilding())
 	{
 		Tell("BuildRunning", "The base release is still building.\n\nWait for it to finish, then publish.");
 		return false;
 	}
 	std::string Mod;
-	if (!FQVMapPlaytest::ResolveOpenMap(Mod, OutMap, OutGamePath))
+	if (!Actions.ResolveOpenMap(Mod, OutMap, OutGamePath))
 	{
 		return false;
 	}
@@ -82,8 +81,9 @@ bool SQVWorkshopTab::AreDetailsGood()
 
 void SQVWorkshopTab::OnPackAndPublish()
 {
-	FQVPlayRequest Request;
-	if (!IsOpenMapShown(Request.MapName, Request.GamePath))
+	std::string Map;
+	std::string GamePath;
+	if (!IsOpenMapShown(Map, GamePath))
 	{
 		return;
 	}
@@ -93,10 +93,8 @@ void SQVWorkshopTab::OnPackAndPublish()
 	{
 		return;
 	}
-	Request.ModName = PluginName;
-	Request.GamePath = Config.StartMap.empty() ? Request.GamePath : Config.StartMap;
 	// what is edited from here on is for the next publication
-	Request.OnComplete = [Copy = Config, UploadPath = FQVMapWorkshopConfig::GetUploadPath(), Tab = std::weak_ptr(Self)](
+	const auto Publish = [Copy = Config, UploadPath = FQVMapWorkshopConfig::GetUploadPath(), Tab = std::weak_ptr(Self)](
 							 const FQVExportResult& Result)
 	{
 		if (!WriteUpload(Copy, Result.PakPath, UploadPath))
@@ -109,5 +107,5 @@ void SQVWorkshopTab::OnPackAndPublish()
 		}
 		HandOver(UploadPath);
 	};
-	FQVMapPlaytest::RunExport(Request);
+	Actions.RunExport(PluginName, Map, Config.StartMap.empty() ? GamePath : Config.StartMap, Publish);
 }
