@@ -34,7 +34,7 @@ struct FQVWorkshopBrush
 	FQVImagePixels Image;
 };
 
-/** What the tab starts or asks that is another one's to do. */
+/** What the tab starts or asks that is another one's to do; the last two are always bound. */
 struct FQVWorkshopTabActions
 {
 	/** The base release is being built, and mods are set aside meanwhile. Unbound: it is not. */
