@@ -33,6 +33,10 @@ protected:
 		static const std::regex Row("\n  ([a-z][a-z-]*) {2,}[A-Z]");
 		const std::size_t Table = End.Out.find("\nSubcommands:\n");
 		std::set<std::string> Leaves = Table == std::string::npos ? std::set{Called} : std::set<std::string>();
+		if (End.Out.find("\nPositionals:\n") != std::string::npos)
+		{
+			Leaves.insert(Called); // can be called itself, too
+		}
 		const std::string Rows = Table == std::string::npos ? "" : End.Out.substr(Table);
 		for (std::sregex_iterator Each(Rows.begin(), Rows.end(), Row), Last; Each != Last; ++Each)
 		{
@@ -79,9 +83,8 @@ TEST_F(FUsage, WrongUseIsToldWithTheWayOut)
 		FWords Words;
 		const char* Error;
 	} Cases[] = {
-		{{}, "qvmap needs a verb: maps, check, base-release, pack, references, redirectors, recover, pak, inspect, "
-			 "settings, "
-			 "setup, update, sample\n  "
+		{{}, "qvmap needs a verb: maps, check, base-release, pack, workshop, references, redirectors, recover, pak, "
+			 "inspect, settings, setup, update, sample\n  "
 			 "see: qvmap --help\n"},
 		{{"pakc"}, "'pakc' is not a verb of qvmap. Did you mean 'pak'?\n  see: qvmap --help\n"},
 		{{"publish", "now"}, "'publish' is not a verb of qvmap\n  see: qvmap --help\n"},

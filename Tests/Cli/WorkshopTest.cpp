@@ -79,8 +79,8 @@ TEST_F(FWorkshop, DetailsAreShownAndEdited)
 	EXPECT_EQ(Json["images"][1]["role"], "screenshot");
 	EXPECT_EQ(Json["images"][1]["width"], 50);
 	EXPECT_EQ(Json["images"][1]["too_big"], false);
-	EXPECT_EQ(Json["warnings"].dump(), R"(["Not 16:9 aspect ratio: b.jpg (50x50)"])");
-	Edit({"set", "Harbor", "tags", ""}, "tags = ");
+	EXPECT_EQ(Json["warnings"].dump(), R"x(["Not 16:9 aspect ratio: b.jpg (50x50)"])x");
+	Edit({"set", "Harbor", "tags", ""}, "tags = ", Odd);
 	Edit({"set", "Harbor", "preview_image", ""}, "preview_image = ", Odd);
 }
 
