@@ -46,6 +46,7 @@ void AddInspectVerb(FCommandLine& Line);
 void AddMapsVerb(FCommandLine& Line);
 void AddPackVerb(FCommandLine& Line);
 void AddPakVerb(FCommandLine& Line);
+void AddPlayVerb(FCommandLine& Line);
 void AddRecoverVerb(FCommandLine& Line);
 void AddRedirectorsVerb(FCommandLine& Line);
 void AddReferencesVerb(FCommandLine& Line);

@@ -60,6 +60,7 @@ void AddVerbs(FCommandLine& Line)
 	AddCheckVerb(Line);
 	AddBaseReleaseVerb(Line);
 	AddPackVerb(Line);
+	AddPlayVerb(Line);
 	AddReferencesVerb(Line);
 	AddRedirectorsVerb(Line);
 	AddRecoverVerb(Line);

@@ -50,13 +50,21 @@ IQVBlueprint* FEditor::GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& O
 			Why, Name));
 		return nullptr;
 	}
-	Blueprint = std::make_unique<FLevelScriptBlueprint>(std::move(*Opened), [this, File] { RenewWorld(File); });
+	Blueprint = std::make_unique<FLevelScriptBlueprint>(std::move(*Opened),
+		[this, File]
+		{
+			FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles({&File, 1});
+			RenewOpenWorld();
+		});
 	return Blueprint.get();
 }
 
-void FEditor::RenewWorld(const std::string& File)
+void FEditor::RenewOpenWorld()
 {
-	FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles({&File, 1});
+	if (World == nullptr)
+	{
+		return;
+	}
 	auto Reading = ReadWorld();
 	if (!Reading)
 	{

@@ -31,12 +31,12 @@ public:
 
 	/** Null closes the open one. ReadAgain: reads the same map once more; empty only with null. */
 	void SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgain = {});
+	/** Packages were saved or put back on the disk: the open map shows what its files hold now. */
+	void RenewOpenWorld();
 
 private:
 	std::unique_ptr<FEditorWorld> World;
 	FReadWorld ReadWorld;
 	std::unique_ptr<FLevelScriptBlueprint> Blueprint;
-
-	void RenewWorld(const std::string& File);
 };
 } // namespace QVStandalone

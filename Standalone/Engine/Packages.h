@@ -56,6 +56,8 @@ public:
 
 	/** Called with the files that were saved, once for all when no package is dirty any more. */
 	std::function<void(std::span<const std::string> Files)> OnSaved;
+	/** Called when packages were read anew from their files. */
+	std::function<void()> OnReloaded;
 
 	/** The long package name that a file's place gives it; false if it lies below no mount point. */
 	bool TryConvertFilenameToLongPackageName(std::string_view File, std::string& OutPackageName) const;

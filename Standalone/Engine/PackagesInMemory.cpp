@@ -254,6 +254,10 @@ void FPackages::ReloadPackages(std::span<const FQVName> Packages, std::string& O
 {
 	OutMessage.clear();
 	Forget(Packages);
+	if (OnReloaded)
+	{
+		OnReloaded();
+	}
 }
 
 void FPackages::DeleteAssets(std::span<const FQVName> Packages)

@@ -15,7 +15,12 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 {
 	// which letters are letters must not depend on the user's settings; numbers keep their point
 	std::setlocale(LC_CTYPE, "C.UTF-8");
-	Packages.OnSaved = [this](std::span<const std::string> Saved) { AssetRegistry.ScanModifiedAssetFiles(Saved); };
+	Packages.OnSaved = [this](std::span<const std::string> Saved)
+	{
+		AssetRegistry.ScanModifiedAssetFiles(Saved);
+		Editor.RenewOpenWorld();
+	};
+	Packages.OnReloaded = [this] { Editor.RenewOpenWorld(); };
 	Interfaces.AssetRegistry = &AssetRegistry;
 	Interfaces.AssetTools = &AssetTools;
 	Interfaces.Classes = &Classes;

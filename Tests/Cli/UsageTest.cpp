@@ -79,7 +79,8 @@ TEST_F(FUsage, WrongUseIsToldWithTheWayOut)
 		FWords Words;
 		const char* Error;
 	} Cases[] = {
-		{{}, "qvmap needs a verb: maps, check, base-release, pack, references, redirectors, recover, pak, inspect, "
+		{{}, "qvmap needs a verb: maps, check, base-release, pack, play, references, redirectors, recover, pak, "
+			 "inspect, "
 			 "settings, "
 			 "setup, update, sample\n  "
 			 "see: qvmap --help\n"},
@@ -90,7 +91,8 @@ TEST_F(FUsage, WrongUseIsToldWithTheWayOut)
 		{{"base-release"}, "qvmap base-release needs a verb: status, build\n  see: qvmap base-release --help\n"},
 		{{"pak", "verfy", "x.pak"},
 			"'verfy' is not a verb of qvmap pak. Did you mean 'verify'?\n  see: qvmap pak --help\n"},
-		{{"pack"}, "mod is required\n  see: qvmap pack --help\n"},
+		{{"pack", "Cave", "--answer", "Yes"},
+			"--answer: 'Yes' is no KEY=CHOICE, such as PreflightTitle=PackAnyway\n  see: qvmap pack --help\n"},
 		{{"settings", "set", "verbose_logging"}, "value is required\n  see: qvmap settings set --help\n"},
 		{{"pak", "extract", "a.pak"}, "folder is required\n  see: qvmap pak extract --help\n"},
 		{{"maps", "--loud"}, "The following argument was not expected: --loud\n  see: qvmap maps --help\n"},

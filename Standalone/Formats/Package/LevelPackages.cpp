@@ -29,6 +29,7 @@ public:
 		AddActors();
 		AddMeshes();
 		AddStreamingLevels();
+		AddSoftPackages();
 		if (Spec.bScript)
 		{
 			AddScript();
@@ -94,6 +95,13 @@ private:
 					To.SoftPath("WorldAsset", Place);
 					To.EndProperties(At(Entry));
 				});
+		}
+	}
+	void AddSoftPackages()
+	{
+		for (const std::string& Soft : Spec.SoftPackages)
+		{
+			Package.SoftPaths.push_back({Soft, LastPart(Soft), {}});
 		}
 	}
 	void AddScript()
@@ -205,6 +213,13 @@ private:
 	}
 };
 } // namespace
+
+std::vector<FActorSpec> PlayableActors()
+{
+	return {{"PlayerStart_0", "/Script/Engine.PlayerStart"},
+		{"Start", "/Script/QUARVEL.MapCheckpointTrigger", false, false, "Type", "ECheckpointType::Start"},
+		{"End", "/Script/QUARVEL.MapEndTrigger"}};
+}
 
 std::vector<std::byte> BuildLevelPackage(const FLevelPackageSpec& Spec)
 {
