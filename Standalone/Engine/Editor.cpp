@@ -30,6 +30,10 @@ void FEditor::SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgai
 	Blueprint.reset();
 	World = NewWorld != nullptr ? std::make_unique<FEditorWorld>(std::move(NewWorld)) : nullptr;
 	ReadWorld = std::move(ReadAgain);
+	if (World != nullptr)
+	{
+		MapOpened.Broadcast();
+	}
 }
 
 IQVBlueprint* FEditor::GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& OutRefusal)

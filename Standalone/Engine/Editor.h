@@ -18,6 +18,10 @@ public:
 
 	void FinishAllCompilation() override {}
 	const IQVWorld* GetOpenWorld() const override { return World.get(); }
+	FQVSubscription OnMapOpened(std::function<void()> Handler) override
+	{
+		return MapOpened.Subscribe(std::move(Handler));
+	}
 	/** Nothing ever is dirty. */
 	bool SaveDirtyPackages() override { return true; }
 	/**
@@ -29,13 +33,15 @@ public:
 	void BeginTransaction(const FQVText&) override {}
 	void EndTransaction() override {}
 
-	/** Null closes the open one. ReadAgain: reads the same map once more; empty only with null. */
+	/** Null closes the open one; any other has been opened then. ReadAgain: reads the same map once more; empty only
+	 * with null. */
 	void SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgain = {});
 
 private:
 	std::unique_ptr<FEditorWorld> World;
 	FReadWorld ReadWorld;
 	std::unique_ptr<FLevelScriptBlueprint> Blueprint;
+	TQVEvent<> MapOpened;
 
 	void RenewWorld(const std::string& File);
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Core/QVEvent.h"
 #include "Core/QVText.h"
 
 class IQVBlueprint;
@@ -18,6 +19,8 @@ public:
 
 	/** Null without a world. */
 	virtual const IQVWorld* GetOpenWorld() const = 0;
+	/** The handler is called each time a map has been opened, as long as the subscription is held. */
+	[[nodiscard]] virtual FQVSubscription OnMapOpened(std::function<void()> Handler) = 0;
 	/** Saves what is dirty, maps and content, without asking. False if something could not be saved. */
 	virtual bool SaveDirtyPackages() = 0;
 
