@@ -36,6 +36,12 @@ void FEditor::SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgai
 	}
 }
 
+bool FEditor::SaveLevelAs(const IQVLevel&, std::string&)
+{
+	LogEngine(EQVLogVerbosity::Warning, "There is no window to ask for a place to save the level in");
+	return false;
+}
+
 IQVBlueprint* FEditor::GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& OutRefusal)
 {
 	const bool bHasOne = World != nullptr && &Level == World->GetPersistentLevel() && World->HasLevelScriptBlueprint();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Engine/QVEditor.h"
+#include "Engine/QVLevelEditor.h"
 #include "Standalone/Engine/EditorWorld.h"
 #include "Standalone/Engine/LevelScriptBlueprint.h"
 
@@ -16,6 +17,12 @@ class FEditor : public IQVEditor
 public:
 	using FReadWorld = std::function<QVFormats::TResult<FWorldReading>()>;
 
+	/** What is given outlives it. */
+	explicit FEditor(IQVLevelEditor& InLevelEditor)
+		: LevelEditor(InLevelEditor)
+	{
+	}
+
 	void FinishAllCompilation() override {}
 	const IQVWorld* GetOpenWorld() const override { return World.get(); }
 	FQVSubscription OnMapOpened(std::function<void()> Handler) override
@@ -23,7 +30,12 @@ public:
 		return MapOpened.Subscribe(std::move(Handler));
 	}
 	/** Nothing ever is dirty. */
-	bool SaveDirtyPackages() override { return true; }
+	bool SaveDirtyPackages(const FQVSaveDirtyPackages&) override { return true; }
+	/** Nobody can be asked for a place here. */
+	bool SaveLevelAs(const IQVLevel& Level, std::string& OutFilename) override;
+	IQVLevelEditor* GetLevelEditor() override { return &LevelEditor; }
+	bool IsUnattended() const override { return bUnattended; }
+	bool IsAutosaving() const override { return false; }
 	/**
 	 * What compiles a blueprint is the real editor: refused where no engine is installed that could be asked, and where
 	 * it is known that it cannot be done. Compile does it in the map's file, see FLevelScriptBlueprint; the open map
@@ -36,8 +48,12 @@ public:
 	/** Null closes the open one; any other has been opened then. ReadAgain: reads the same map once more; empty only
 	 * with null. */
 	void SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgain = {});
+	/** For a program that has a user in front of it; in the beginning nobody is there. */
+	void SetUnattended(bool bNew) { bUnattended = bNew; }
 
 private:
+	IQVLevelEditor& LevelEditor;
+	bool bUnattended = true;
 	std::unique_ptr<FEditorWorld> World;
 	FReadWorld ReadWorld;
 	std::unique_ptr<FLevelScriptBlueprint> Blueprint;

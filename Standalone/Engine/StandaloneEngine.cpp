@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/StandaloneEngine.h"
 
+#include "Core/QVPath.h"
+
 #include <clocale>
 
 namespace QVStandalone
@@ -10,11 +12,15 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	, Plugins(ProjectFile, EngineDir)
 	, Packages(Project.ProjectDir(), EngineDir, Plugins)
 	, Classes(Packages, Plugins)
+	, LevelEditor(Packages, [this](std::string_view PackageName) { return OpenMap(PackageName); })
+	, Editor(LevelEditor)
 	, AssetRegistry(Project.ProjectDir(), Packages, GameThread)
 	, AssetTools(AssetRegistry, Packages, Project.ProjectDir())
 {
 	// which letters are letters must not depend on the user's settings; numbers keep their point
 	std::setlocale(LC_CTYPE, "C.UTF-8");
+	Plugins.OnMounted = [this](const FQVPluginInfo& New)
+	{ AssetRegistry.ScanPathsSynchronous(FQVPath::Combine(New.BaseDir, "Content") + "/"); };
 	Packages.OnSaved = [this](std::span<const std::string> Saved) { AssetRegistry.ScanModifiedAssetFiles(Saved); };
 	Interfaces.AssetRegistry = &AssetRegistry;
 	Interfaces.AssetTools = &AssetTools;

@@ -35,5 +35,7 @@ struct FQVString
 	static std::vector<std::string_view> NonEmptyLines(std::string_view Text);
 	/** The last Count characters (code points, not bytes) of a text; all of it if it is shorter. */
 	static std::string_view LastCharacters(std::string_view Text, std::size_t Count);
+	/** Without the blanks, tabs and line ends, of any script, at both ends. */
+	static std::string_view TrimStartAndEnd(std::string_view Text);
 	static std::string_view BoolWord(bool bValue) { return bValue ? "true" : "false"; }
 };
