@@ -17,12 +17,6 @@ class FEditor : public IQVEditor
 public:
 	using FReadWorld = std::function<QVFormats::TResult<FWorldReading>()>;
 
-	/** What is given outlives it. */
-	explicit FEditor(IQVLevelEditor& InLevelEditor)
-		: LevelEditor(InLevelEditor)
-	{
-	}
-
 	void FinishAllCompilation() override {}
 	const IQVWorld* GetOpenWorld() const override { return World.get(); }
 	FQVSubscription OnMapOpened(std::function<void()> Handler) override
@@ -33,7 +27,7 @@ public:
 	bool SaveDirtyPackages(const FQVSaveDirtyPackages&) override { return true; }
 	/** Nobody can be asked for a place here. */
 	bool SaveLevelAs(const IQVLevel& Level, std::string& OutFilename) override;
-	IQVLevelEditor* GetLevelEditor() override { return &LevelEditor; }
+	IQVLevelEditor* GetLevelEditor() override { return LevelEditor; }
 	bool IsUnattended() const override { return bUnattended; }
 	bool IsAutosaving() const override { return false; }
 	/**
@@ -48,11 +42,13 @@ public:
 	/** Null closes the open one; any other has been opened then. ReadAgain: reads the same map once more; empty only
 	 * with null. */
 	void SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgain = {});
+	/** Outlives the editor; there is none in the beginning. */
+	void SetLevelEditor(IQVLevelEditor* NewLevelEditor) { LevelEditor = NewLevelEditor; }
 	/** For a program that has a user in front of it; in the beginning nobody is there. */
 	void SetUnattended(bool bNew) { bUnattended = bNew; }
 
 private:
-	IQVLevelEditor& LevelEditor;
+	IQVLevelEditor* LevelEditor = nullptr;
 	bool bUnattended = true;
 	std::unique_ptr<FEditorWorld> World;
 	FReadWorld ReadWorld;

@@ -13,12 +13,12 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	, Packages(Project.ProjectDir(), EngineDir, Plugins)
 	, Classes(Packages, Plugins)
 	, LevelEditor(Packages, [this](std::string_view PackageName) { return OpenMap(PackageName); })
-	, Editor(LevelEditor)
 	, AssetRegistry(Project.ProjectDir(), Packages, GameThread)
 	, AssetTools(AssetRegistry, Packages, Project.ProjectDir())
 {
 	// which letters are letters must not depend on the user's settings; numbers keep their point
 	std::setlocale(LC_CTYPE, "C.UTF-8");
+	Editor.SetLevelEditor(&LevelEditor);
 	Plugins.OnMounted = [this](const FQVPluginInfo& New)
 	{ AssetRegistry.ScanPathsSynchronous(FQVPath::Combine(New.BaseDir, "Content") + "/"); };
 	Packages.OnSaved = [this](std::span<const std::string> Saved) { AssetRegistry.ScanModifiedAssetFiles(Saved); };
