@@ -5,6 +5,7 @@
 #include "Engine/QVFiles.h"
 #include "Engine/QVWorld.h"
 #include "Standalone/Cli/CheckReport.h"
+#include "Standalone/Cli/MapChoice.h"
 #include "Standalone/Cli/ProgressTasks.h"
 #include "Standalone/Cli/RegistryScan.h"
 #include "Standalone/Cli/Session.h"
@@ -12,7 +13,6 @@
 #include "Standalone/Engine/Interrupt.h"
 #include "Standalone/EngineTools/RawFile.h"
 #include "Workspace/QVMapPaths.h"
-#include "Workspace/QVMapScanner.h"
 
 #include <span>
 
@@ -31,35 +31,8 @@ struct FCheckOptions
 	std::string Sublevels = "all";
 };
 
-/** The map to check: its mod, and its package if there is one to open. */
-struct FTarget
-{
-	std::string Mod;
-	std::string Map;
-};
-
-std::vector<FTarget> ListTargets()
-{
-	std::vector<FTarget> Targets;
-	for (const FQVModInfo& Mod : FQVMapScanner::ScanMods().Mods)
-	{
-		for (const FQVMapInfo& Map : Mod.Maps)
-		{
-			Targets.push_back({Mod.Name, Map.CookPath});
-		}
-	}
-	return Targets;
-}
-
-bool IsCalled(const FTarget& Target, std::string_view Name)
-{
-	return FQVString::EqualsIgnoreCase(Target.Mod, Name) || FQVString::EqualsIgnoreCase(Target.Map, Name) ||
-		   FQVString::EqualsIgnoreCase("/Game" + Target.Map, Name) ||
-		   FQVString::EqualsIgnoreCase(FQVPath::GetCleanFilename(Target.Map), Name);
-}
-
 /** A plugin that holds no map, or whose descriptor is not there: no mod to others, but here that is the finding. */
-bool FindBarePlugin(std::string_view Name, FTarget& Out)
+bool FindBarePlugin(std::string_view Name, FMapChoice& Out)
 {
 	const std::string Folder = FQVPath::Combine(FQVMapPaths::GetPluginsDir(), Name);
 	const bool bPlain = !Name.empty() && Name.find_first_of("/\\.") == std::string_view::npos;
@@ -67,28 +40,13 @@ bool FindBarePlugin(std::string_view Name, FTarget& Out)
 	return bPlain && FQVEngine::Get().Files->DirectoryExists(Folder);
 }
 
-void TellChoice(FConsole& Console, const FCheckOptions& Options, const std::vector<FTarget>& Candidates)
-{
-	Console.Fail(Options.Map.empty()
-					 ? QVPrintf("the project has %d maps: name one", Candidates.size())
-					 : QVPrintf("'%s' has %d maps: name one by its package", Options.Map, Candidates.size()));
-	for (const FTarget& Each : Candidates)
-	{
-		Console.Say("  qvmap check " + Each.Map);
-	}
-}
-
 /** False, with the reason told, if it is not clear which map is meant. No map at all is a target too. */
-bool ChooseTarget(FSession& Session, const FCheckOptions& Options, FTarget& Out)
+bool ChooseTarget(FSession& Session, const FCheckOptions& Options, FMapChoice& Out)
 {
-	std::vector<FTarget> Candidates = ListTargets();
-	if (!Options.Map.empty())
-	{
-		std::erase_if(Candidates, [&](const FTarget& Each) { return !IsCalled(Each, Options.Map); });
-	}
+	const std::vector<FMapChoice> Candidates = FindMaps(Options.Map);
 	if (Candidates.size() > 1)
 	{
-		TellChoice(Session.Console, Options, Candidates);
+		TellChoice(Session.Console, "check", Options.Map, Candidates);
 		return false;
 	}
 	if (Candidates.size() == 1)
@@ -101,7 +59,7 @@ bool ChooseTarget(FSession& Session, const FCheckOptions& Options, FTarget& Out)
 }
 
 /** The map as the editor's open world; what stands in the way becomes a finding. */
-const IQVWorld* OpenMap(FSession& Session, const FTarget& Target, bool bSublevels, FQVDiagnosticFindings& Findings)
+const IQVWorld* OpenMap(FSession& Session, const FMapChoice& Target, bool bSublevels, FQVDiagnosticFindings& Findings)
 {
 	if (Target.Map.empty())
 	{
@@ -120,7 +78,7 @@ const IQVWorld* OpenMap(FSession& Session, const FTarget& Target, bool bSublevel
 	return FQVEngine::Get().Editor->GetOpenWorld();
 }
 
-FCheckReport RunCheck(FSession& Session, const FTarget& Target, bool bSublevels)
+FCheckReport RunCheck(FSession& Session, const FMapChoice& Target, bool bSublevels)
 {
 	FProgressTasks Tasks(Session.Console, "checking");
 	Session.Engine.Interfaces.SlowTasks = &Tasks;
@@ -172,7 +130,7 @@ FStatus Deliver(FConsole& Console, const FCheckOptions& Options, std::string_vie
 EExitCode Check(FCommandLine& Line, const FCheckOptions& Options)
 {
 	const std::unique_ptr<FSession> Session = FSession::Open(Line);
-	FTarget Target;
+	FMapChoice Target;
 	if (Session == nullptr || !ChooseTarget(*Session, Options, Target) || !ScanRegistryOnce(*Session))
 	{
 		return EExitCode::Failed;

@@ -9,8 +9,8 @@
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/PackageSave.h"
 #include "Standalone/Formats/Base/MappedFile.h"
+#include "Standalone/Formats/Package/LevelPackages.h"
 #include "Standalone/Formats/Package/LevelReader.h"
-#include "Standalone/Formats/Package/SamplePackages.h"
 
 namespace QVStandalone
 {
@@ -92,9 +92,7 @@ FStatus FLevelEditor::SaveEmpty(const std::string& PackageName)
 	{
 		return File.Error();
 	}
-	FWorldPackageSpec Spec;
-	Spec.PackageName = PackageName;
-	const std::vector<std::byte> Bytes = BuildWorldPackage(Spec);
+	const std::vector<std::byte> Bytes = BuildLevelPackage({.PackageName = PackageName, .bModel = true});
 	const std::filesystem::path Target = ToOsPath(*File);
 	std::error_code Error = MakeFolders(Target.parent_path());
 	Error = Error ? Error : ReplaceFile(Target, {reinterpret_cast<const char*>(Bytes.data()), Bytes.size()});

@@ -40,7 +40,7 @@ public:
 	FAssetTools& GetAssetTools() { return AssetTools; }
 	FEditor& GetEditor() { return Editor; }
 	FGameThread& GetGameThread() { return GameThread; }
-	const FPackages& GetPackages() const { return Packages; }
+	FPackages& GetPackages() { return Packages; }
 	const FPlugins& GetPlugins() const { return Plugins; }
 
 	/**

@@ -41,6 +41,8 @@ struct FLevelPackageSpec
 	std::vector<std::string> Meshes = {};
 	bool bPartitioned = false;
 	bool bExternalActors = false;
+	/** An empty BSP model with its polygons, which every level of the editor has. */
+	bool bModel = false;
 };
 
 struct FExternalActorSpec
