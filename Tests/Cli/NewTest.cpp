@@ -71,7 +71,7 @@ TEST_F(FNew, MapIsEmptyWithoutATemplate)
 	EXPECT_NE(Listed.Out.find("Höhle  (1 map)\n  /Höhle/Maps/Höhle\n"), std::string::npos) << Listed.Out;
 	const FProgramEnd Checked = Run({"check", "Grotto", "-q"});
 	EXPECT_EQ(Checked.Out.find("Map file readable"), std::string::npos);
-	EXPECT_NE(Checked.Out.find("1 error, "), std::string::npos) << Checked.Out;
+	EXPECT_NE(Checked.Out.find("2 errors, "), std::string::npos) << Checked.Out;
 }
 
 TEST_F(FNew, RefusesNamesAndLeavesTheProjectAlone)

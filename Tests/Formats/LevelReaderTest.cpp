@@ -197,14 +197,14 @@ TEST(LevelReader, ReadsMapsOfTheEditor)
 
 namespace
 {
-/** The data of a class's first export, with the numbers that differ from file to file as zeros. */
-std::vector<std::byte> FirstOf(
-	FBytes File, std::string_view Class, const std::vector<std::pair<std::size_t, std::size_t>>& Numbers)
+/** The data of an export, with the numbers that differ from file to file as zeros. */
+std::vector<std::byte> DataOf(
+	FBytes File, std::string_view Object, const std::vector<std::pair<std::size_t, std::size_t>>& Numbers)
 {
 	const auto Header = ReadPackageHeader(File);
 	for (const FPackageExport& Export : Header ? Header->Exports : std::vector<FPackageExport>())
 	{
-		if (Header->ClassPathOf(Export) == Class)
+		if (Header->Names.Text(Export.ObjectName) == Object)
 		{
 			const FBytes Data = File.subspan(
 				static_cast<std::size_t>(Export.SerialOffset), static_cast<std::size_t>(Export.SerialSize));
@@ -231,8 +231,8 @@ TEST(LevelWriter, AnEmptyModelIsWhatTheEditorWrites)
 	const std::pair<std::size_t, std::size_t> NoneName{1, 4};
 	const std::pair<std::size_t, std::size_t> Polys{111, 4};
 	const std::pair<std::size_t, std::size_t> LightingGuid{147, 16};
-	const std::vector<std::byte> Model = FirstOf(Real, "/Script/Engine.Model", {NoneName, Polys, LightingGuid});
+	const std::vector<std::byte> Model = DataOf(Real, "Model_0", {NoneName, Polys, LightingGuid});
 	EXPECT_EQ(Model.size(), 167U);
-	EXPECT_EQ(FirstOf(Own, "/Script/Engine.Model", {NoneName, Polys}), Model);
-	EXPECT_EQ(FirstOf(Own, "/Script/Engine.Polys", {NoneName}), FirstOf(Real, "/Script/Engine.Polys", {NoneName}));
+	EXPECT_EQ(DataOf(Own, "Model_0", {NoneName, Polys}), Model);
+	EXPECT_EQ(DataOf(Own, "Polys_0", {NoneName}), DataOf(Real, "Polys_0", {NoneName}));
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Export/QVMapBaseReleaseBuild.h"
 #include "Interface/QVMapMods.h"
 #include "Interface/SQVMapNewModDialog.h"
 #include "Tests/Support/ScriptedDialogs.h"
@@ -20,6 +21,14 @@ struct FInterfaceTest : FToolkitTest
 		Engine.Interfaces.Editor = &Editor;
 		Engine.Interfaces.Dialogs = &Dialogs;
 		FQVMapMods::InvalidateCache();
+	}
+
+	/** A base release is being built from here to EndBuild. */
+	void BeginBuild() { FQVMapBaseReleaseBuild::bBuilding = true; }
+	void EndBuild()
+	{
+		FQVMapBaseReleaseBuild::bBuilding = false;
+		FQVMapBaseReleaseBuild::OnBuildEnded().Broadcast();
 	}
 
 	/** "Key: text", with the project's folder masked. */

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Interface/QVMapModWizard.h"
 
-#include "Export/QVMapBaseReleaseBuild.h"
 #include "Tests/Interface/InterfaceTest.h"
 #include "Workspace/QVMapConfig.h"
 
@@ -150,9 +149,9 @@ TEST_F(FModWizard, StopsBeforeAnythingIsMade)
 	const std::string Building =
 		"  CreateModDuringBuild: A base release build is in progress.\n\nWait for it to finish before creating a map - "
 		"anything created during a build gets cooked into the base release.";
-	FQVMapBaseReleaseBuild::bBuilding = true;
+	BeginBuild();
 	EXPECT_EQ(Create({"a b", "", ""}), Building) << "a build comes before a bad name";
-	FQVMapBaseReleaseBuild::bBuilding = false;
+	EndBuild();
 	Engine.Interfaces.Editor = nullptr;
 	EXPECT_EQ(Create({"a b", "", ""}), "  Plugin name 'a b' contains invalid character ' '. " + Rule);
 	EXPECT_EQ(Create(), "  NoEditor: The editor is not available.");

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Interface/QVMapMods.h"
 
-#include "Export/QVMapBaseReleaseBuild.h"
 #include "Tests/Interface/InterfaceTest.h"
 
 using namespace QVTest;
@@ -10,8 +9,6 @@ namespace
 {
 struct FMods : FInterfaceTest
 {
-	~FMods() override { FQVMapBaseReleaseBuild::bBuilding = false; }
-
 	/** One line for each entry: a dot for a check mark, its keys, its texts. */
 	std::string Describe(const std::vector<FQVMenuEntry>& Entries, const std::string& Indent = "") const
 	{
@@ -48,7 +45,7 @@ TEST_F(FMods, MapsStandInTheScannersOrder)
 					  "  Docks (SwitchMapTooltip: Open Docks)\n"
 					  "  Pier (SwitchMapTooltip: Open Pier)\n");
 	const std::vector<FQVMenuEntry> Kept = FQVMapMods::BuildMenu();
-	Editor.Open("/HARBOR/Maps/PIER");
+	Editor.Open("/Harbor/maps/PIER");
 	EXPECT_EQ(Describe(Kept), "Hall (SwitchMapTooltip: Open Hall)\n"
 							  "* menu ModWithMapCount: Harbor (3 maps) (ModSubMenuTooltip: Open a map from Harbor)\n"
 							  "  Attic (SwitchMapTooltip: Open Attic)\n"
@@ -99,13 +96,15 @@ TEST_F(FMods, AreScannedAgainOnlyWhenAsked)
 TEST_F(FMods, AWarmListIsKeptThroughABuildAndAColdOneIsNot)
 {
 	Project.AddMod("Cave", {"Maps/Hall"});
-	FQVMapBaseReleaseBuild::bBuilding = true;
+	BeginBuild();
 	EXPECT_EQ(Scanned(), 1);
 	Project.AddMod("Harbor", {"Maps/Pier"});
 	EXPECT_EQ(Scanned(), 2) << "not kept beyond the moment";
-	FQVMapBaseReleaseBuild::bBuilding = false;
+	EndBuild();
 	EXPECT_EQ(Scanned(), 2);
-	FQVMapBaseReleaseBuild::bBuilding = true;
-	Project.Remove("Plugins/Cave/Cave.uplugin");
+	BeginBuild();
+	Project.AddMod("Attic", {"Maps/Roof"});
 	EXPECT_EQ(Scanned(true), 2) << "a build keeps descriptors out of the way";
+	EndBuild();
+	EXPECT_EQ(Scanned(), 3) << "its end is heard of";
 }

@@ -209,6 +209,7 @@ TEST_F(FTemplateGuard, OffersANewMapToWhoHasNone)
 TEST_F(FTemplateGuard, MovesWhatWasSavedIntoAMapOfOnesOwn)
 {
 	Start();
+	View.User = [](SQVMapNewModDialog& Dialog) { Dialog.Cancel(); };
 	Save(Template);
 	EXPECT_EQ(AnswerYes(), "") << "nothing is open";
 	EXPECT_EQ(View.Shown, 0);
@@ -216,7 +217,6 @@ TEST_F(FTemplateGuard, MovesWhatWasSavedIntoAMapOfOnesOwn)
 	Editor.Open(Template);
 	GameThread.Advance(0.5);
 	TakeShown();
-	View.User = [](SQVMapNewModDialog& Dialog) { Dialog.Cancel(); };
 	View.Shown = 0;
 	Save(Other);
 	AnswerYes();

@@ -102,7 +102,7 @@ TEST_F(FLevelEditorTest, CopiesATemplateUnderTheNewName)
 			Listed.push_back(Tag.Key.ToUtf8() + "=" + Tag.Value.ToUtf8());
 		}
 	}
-	EXPECT_EQ(Listed, (FTexts{"Cave", "PrimaryAssetName=/Cave/Maps/Cave", "PrimaryAssetType=Map", "Cave_C"}));
+	EXPECT_EQ(Listed, (FTexts{"Cave_C", "Cave", "PrimaryAssetName=/Cave/Maps/Cave", "PrimaryAssetType=Map"}));
 	EXPECT_EQ(Project.Read(FileOf(Template.PackageName, ".umap")), Before);
 	EXPECT_EQ(Errors(), "");
 }

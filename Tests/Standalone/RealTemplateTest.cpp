@@ -84,15 +84,21 @@ struct FRealTemplateTest : FToolkitTest
 			EXPECT_EQ(New, Actors());
 		}
 	}
-	/** Nothing in the header speaks of the template any more. */
+	/** Nothing in the header speaks of the template any more; in the name table it may stand unused. */
 	void ExpectRenamed(const std::string& Package, const std::string& Template)
 	{
 		const std::vector<std::byte> Bytes = ToBytes(Project.Read("Plugins/New/Content" + Package.substr(4) + ".umap"));
 		const auto Header = ReadPackageHeader(Bytes);
 		ASSERT_TRUE(Header);
 		const FPackageRename Rename{Template, Package, {}};
+		const QVStandalone::FRenamedText OldName(std::span(&Rename, 1));
 		const std::string_view Text(reinterpret_cast<const char*>(Bytes.data()), Header->Bytes.size());
-		EXPECT_EQ(QVStandalone::FRenamedText(std::span(&Rename, 1)).FindIn(Text), "");
+		EXPECT_EQ(OldName.FindIn(Text.substr(0, static_cast<std::size_t>(Header->Summary.Names.Offset))), "");
+		EXPECT_EQ(OldName.FindIn(Text.substr(Header->Names.EndPosition())), "");
+		std::vector<FQVPackageDependency> Found;
+		FQVEngine::Get().AssetRegistry->GetDependencies(FQVName(Package), EQVDependencyQuery::All, Found);
+		EXPECT_TRUE(std::ranges::none_of(
+			Found, [&](const FQVPackageDependency& Each) { return Each.Package == FQVName(Template); }));
 	}
 };
 } // namespace

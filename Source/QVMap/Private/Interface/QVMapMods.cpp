@@ -20,6 +20,7 @@ struct FModuleState
 {
 	FQVScanResult CachedMods;
 	bool bCacheValid = false;
+	FQVSubscription BuildEndedHandle;
 };
 
 FModuleState& State()
@@ -73,6 +74,10 @@ FQVScanResult FQVMapMods::GetMods(bool bForceRefresh)
 	const bool bBuilding = FQVMapBaseReleaseBuild::IsBaseReleaseBuilding();
 	if (!Module.bCacheValid || (bForceRefresh && !bBuilding))
 	{
+		if (Module.BuildEndedHandle == nullptr)
+		{
+			Module.BuildEndedHandle = FQVMapBaseReleaseBuild::OnBuildEnded().Subscribe(InvalidateCache);
+		}
 		Module.CachedMods = FQVMapScanner::ScanMods();
 		// during a build the descriptors are out of the way
 		Module.bCacheValid = !bBuilding;
