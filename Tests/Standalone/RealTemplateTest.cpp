@@ -47,8 +47,9 @@ struct FRealTemplateTest : FToolkitTest
 		FTexts Texts;
 		for (const IQVActor* Actor : Found)
 		{
-			const bool bScript = Actor == World()->GetPersistentLevel()->GetLevelScriptActor();
-			Texts.push_back(bScript ? "script" : Actor->GetName() + " " + Actor->GetClass()->GetName());
+			const bool bScript = Actor != nullptr && Actor == World()->GetPersistentLevel()->GetLevelScriptActor();
+			const bool bNamed = Actor != nullptr && !bScript;
+			Texts.push_back(bNamed ? Actor->GetName() + " " + Actor->GetClass()->GetName() : bScript ? "script" : "");
 		}
 		return Texts;
 	}
@@ -109,13 +110,36 @@ TEST_F(FRealTemplateTest, EveryMapOfTheEditorBecomesANewOneOrIsRefusedByName)
 	{
 		GTEST_SKIP() << "QVMAP_TEST_CONTENT is not set";
 	}
+	const std::string Moved =
+		" holds no world: a map that was moved leaves such a file behind, which only leads to the "
+		"new one";
+	const std::string Split = " lie in files of their own, which would not come along: make the map in the editor, or "
+							  "turn off One File Per Actor in the template";
+	const std::map<std::string, std::string> Expected = {
+		{"learning01 /Game/LevelOne", Moved},
+		{"pcgex /Game/ConnectPoints/Demo-CustomGraphs", Moved},
+		{"pcgex /Game/CustomGraphs/Demo-CustomGraphs", Moved},
+		{"pcgex /Game/Sampling/Demo-SampleSurfaces", Moved},
+		// its data may name the map with the world right behind it
+		{"pcgex /Game/ConnectPoints/Demo-ConnectPoints",
+			" may go on referring to /Game/ConnectPoints/Demo-ConnectPoints: open it in the editor and save it there "
+			"once, or copy it by hand"},
+		{"orbis-maps /Game/Maps/Persistent", Split},
+		{"als /Game/ALSExtras/Levels/L_Als_Grid", Split},
+		{"als /Game/ALSExtras/Levels/L_Als_Playground", Split},
+	};
+	std::map<std::string, std::string> Refused;
 	for (const char* Each : {"mini4wd", "learning01", "pcgex", "a3", "endless", "orbis-maps", "als"})
 	{
 		for (const auto& [Template, Why] : TryAll(Each))
 		{
-			ADD_FAILURE() << Each << " " << Template << ": " << Why;
+			const std::string Key = std::string(Each) + " " + Template;
+			const auto Known = Expected.find(Key);
+			const bool bKnown = Known != Expected.end() && Why.ends_with(Known->second);
+			Refused[Key] = bKnown ? Known->second : Why;
 		}
 		Project.Remove("Content");
 	}
-	EXPECT_EQ(Made, 0);
+	EXPECT_EQ(Refused, Expected);
+	EXPECT_EQ(Made, 31);
 }
