@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "Core/QVPath.h"
 #include "Core/QVString.h"
 #include "Diagnostics/QVMapDiagnostics.h"
-#include "Engine/QVFiles.h"
 #include "Engine/QVWorld.h"
 #include "Standalone/Cli/CheckReport.h"
 #include "Standalone/Cli/MapChoice.h"
 #include "Standalone/Cli/ProgressTasks.h"
 #include "Standalone/Cli/RegistryScan.h"
-#include "Standalone/Cli/Session.h"
 #include "Standalone/Cli/TypedPath.h"
 #include "Standalone/Engine/Interrupt.h"
 #include "Standalone/EngineTools/RawFile.h"
@@ -31,41 +28,14 @@ struct FCheckOptions
 	std::string Sublevels = "all";
 };
 
-/** A plugin that holds no map, or whose descriptor is not there: no mod to others, but here that is the finding. */
-bool FindBarePlugin(std::string_view Name, FMapChoice& Out)
-{
-	const std::string Folder = FQVPath::Combine(FQVMapPaths::GetPluginsDir(), Name);
-	const bool bPlain = !Name.empty() && Name.find_first_of("/\\.") == std::string_view::npos;
-	Out = {std::string(Name), {}};
-	return bPlain && FQVEngine::Get().Files->DirectoryExists(Folder);
-}
-
-/** False, with the reason told, if it is not clear which map is meant. No map at all is a target too. */
-bool ChooseTarget(FSession& Session, const FCheckOptions& Options, FMapChoice& Out)
-{
-	const std::vector<FMapChoice> Candidates = FindMaps(Options.Map);
-	if (Candidates.size() > 1)
-	{
-		TellChoice(Session.Console, "check", Options.Map, Candidates);
-		return false;
-	}
-	if (Candidates.size() == 1)
-	{
-		Out = Candidates.front();
-		return true;
-	}
-	std::string Unknown = Options.Map;
-	return Options.Map.empty() || FindBarePlugin(Options.Map, Out) || ResolveMod(Session, Unknown);
-}
-
 /** The map as the editor's open world; what stands in the way becomes a finding. */
 const IQVWorld* OpenMap(FSession& Session, const FMapChoice& Target, bool bSublevels, FQVDiagnosticFindings& Findings)
 {
-	if (Target.Map.empty())
+	if (Target.Package.empty())
 	{
 		return nullptr;
 	}
-	const FStatus Opened = Session.Engine.OpenMap(Target.Map, {bSublevels});
+	const FStatus Opened = Session.Engine.OpenMap(Target.Package, {bSublevels});
 	if (!Opened)
 	{
 		Findings.push_back(FQVDiagnosticModel::MakeFinding(EQVDiagCategory::ModContent, EQVDiagSeverity::Error,
@@ -86,7 +56,7 @@ FCheckReport RunCheck(FSession& Session, const FMapChoice& Target, bool bSubleve
 	FQVDiagnosticOptions Options = FQVDiagnosticOptions::Everything();
 	Options.ModName = Target.Mod;
 	Options.World = OpenMap(Session, Target, bSublevels, Findings);
-	FCheckReport Report{FQVMapDiagnostics::RunDiagnostics(Options), Target.Map, {}};
+	FCheckReport Report{FQVMapDiagnostics::RunDiagnostics(Options), Target.Package, {}};
 	Session.Engine.Interfaces.SlowTasks = nullptr;
 	Report.Report.Findings.insert(Report.Report.Findings.end(), Findings.begin(), Findings.end());
 	const std::string Repository = FindRepository(FQVMapPaths::GetProjectDir());
@@ -131,7 +101,7 @@ EExitCode Check(FCommandLine& Line, const FCheckOptions& Options)
 {
 	const std::unique_ptr<FSession> Session = FSession::Open(Line);
 	FMapChoice Target;
-	if (Session == nullptr || !ChooseTarget(*Session, Options, Target) || !ScanRegistryOnce(*Session))
+	if (Session == nullptr || !ChooseMap(*Session, "check", Options.Map, Target) || !ScanRegistryOnce(*Session))
 	{
 		return EExitCode::Failed;
 	}

@@ -1,25 +1,29 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Standalone/Cli/Session.h"
+
 #include <string>
-#include <string_view>
-#include <vector>
 
 namespace QVCli
 {
-class FConsole;
-
-/** A map that a typed word may mean. */
+/** The map that a verb is to work on. */
 struct FMapChoice
 {
 	std::string Mod;
-	/** `/Cave/Maps/Hall`; empty: the mod alone. */
-	std::string Map;
+	/** Package name, "/Cave/Maps/Hall"; empty for a mod without maps. */
+	std::string Package;
+
+	/** "Hall" */
+	std::string Name() const;
+	/** "/Game/Cave/Maps/Hall" */
+	std::string GamePath() const { return Package.empty() ? Package : "/Game" + Package; }
 };
 
-/** Maps that bear the name, that package or game path, or whose mod does, ignoring case; all maps for an empty name. */
-std::vector<FMapChoice> FindMaps(std::string_view Name);
-/** It is not clear which of several is meant; the hints name this verb. */
-void TellChoice(
-	FConsole& Console, std::string_view Verb, std::string_view Name, const std::vector<FMapChoice>& Candidates);
+/**
+ * Turns what the user typed into a map: a map's name, package or game path, or a mod with one map; empty for the
+ * project's only map. False, with the error told, if it is not clear which is meant. Verb is named in the advice.
+ * A folder below Plugins that is no mod to others is a choice too, without a map, and so is a project without maps.
+ */
+bool ChooseMap(FSession& Session, std::string_view Verb, const std::string& Typed, FMapChoice& Out);
 } // namespace QVCli

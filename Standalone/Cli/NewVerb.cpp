@@ -20,7 +20,7 @@ struct FNewOptions
 
 std::string Trimmed(std::string_view Text)
 {
-	return std::string(FQVString::TrimStartAndEnd(Text));
+	return std::string(FQVString::Trim(Text));
 }
 
 /** What is written for a window, on one line. */

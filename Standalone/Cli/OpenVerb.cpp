@@ -3,7 +3,6 @@
 #include "Engine/QVFiles.h"
 #include "Engine/QVProcesses.h"
 #include "Standalone/Cli/MapChoice.h"
-#include "Standalone/Cli/RegistryScan.h"
 #include "Standalone/Cli/Session.h"
 #include "Workspace/QVMapPaths.h"
 
@@ -11,35 +10,26 @@ namespace QVCli
 {
 namespace
 {
-/** Empty, with the error told, unless exactly one map is meant. */
-std::string ResolveMap(FSession& Session, const std::string& Typed)
+EExitCode TellHow(FSession& Session, const FMapChoice& Map, const std::string& Editor)
 {
-	const std::vector<FMapChoice> Found = FindMaps(Typed);
-	if (Found.size() == 1)
-	{
-		return Found.front().Map;
-	}
-	std::string Unknown = Typed;
-	Found.empty() ? static_cast<void>(ResolveMod(Session, Unknown)) // says so
-				  : TellChoice(Session.Console, "open", Typed, Found);
-	return {};
-}
-
-EExitCode TellHow(FSession& Session, const std::string& Map, const std::string& Editor)
-{
-	Session.Console.Fail(QVPrintf("there is no %s to open %s with", Editor, Map));
+	Session.Console.Fail(QVPrintf("there is no %s to open %s with", Editor, Map.Package));
 	Session.Console.Say(
 		QVPrintf("  name an installed engine with --engine, or open %s in Unreal Editor and choose Open Map > %s there",
-			FQVMapPaths::GetProjectFilePath(), FQVPath::GetCleanFilename(Map)));
+			FQVMapPaths::GetProjectFilePath(), Map.Name()));
 	return EExitCode::Failed;
 }
 
 EExitCode OpenInEditor(FCommandLine& Line, const std::string& Typed)
 {
 	const std::unique_ptr<FSession> Session = FSession::Open(Line);
-	const std::string Map = Session != nullptr ? ResolveMap(*Session, Typed) : std::string();
-	if (Map.empty())
+	FMapChoice Map;
+	if (Session == nullptr || !ChooseMap(*Session, "open", Typed, Map))
 	{
+		return EExitCode::Failed;
+	}
+	if (Map.Package.empty())
+	{
+		Session->Console.Fail(QVPrintf("%s holds no map: see qvmap maps", Map.Mod.empty() ? "the project" : Map.Mod));
 		return EExitCode::Failed;
 	}
 	const std::string Editor = FQVPath::Combine(FQVPath::GetPath(FQVMapPaths::GetEditorCmdPath()), "UnrealEditor.exe");
@@ -47,7 +37,7 @@ EExitCode OpenInEditor(FCommandLine& Line, const std::string& Typed)
 	{
 		return TellHow(*Session, Map, Editor);
 	}
-	const std::string Arguments = QVPrintf("\"%s\" %s", FQVMapPaths::GetProjectFilePath(), Map);
+	const std::string Arguments = QVPrintf("\"%s\" %s", FQVMapPaths::GetProjectFilePath(), Map.Package);
 	if (!FQVEngine::Get().Processes->CreateDetachedProc(Editor, Arguments, FQVMapPaths::GetProjectDir()).IsValid())
 	{
 		Session->TellFailure(QVPrintf("%s could not be started", Editor));
@@ -58,11 +48,11 @@ EExitCode OpenInEditor(FCommandLine& Line, const std::string& Typed)
 		Session->Console.Document(FQVJson::Object()
 									  .Set("schema_version", 1)
 									  .Set("project", FQVMapPaths::GetProjectFilePath())
-									  .Set("package", Map)
+									  .Set("package", Map.Package)
 									  .Set("editor", Editor));
 		return EExitCode::Done;
 	}
-	Session->Console.Result(QVPrintf("opening  %s", Map));
+	Session->Console.Result(QVPrintf("opening  %s", Map.Package));
 	Session->Console.Result(QVPrintf("editor   %s", Editor));
 	return EExitCode::Done;
 }

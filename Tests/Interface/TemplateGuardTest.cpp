@@ -4,7 +4,6 @@
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/Project.h"
 #include "Tests/Interface/InterfaceTest.h"
-#include "Tests/Support/ScriptedGameThread.h"
 #include "Workspace/QVMapConfig.h"
 
 using namespace QVTest;
@@ -33,7 +32,6 @@ struct FWindowedDialogs : FScriptedDialogs
 
 struct FTemplateGuard : FInterfaceTest
 {
-	FScriptedGameThread GameThread;
 	FWindowedDialogs Dialogs;
 	FScriptedNewModView View;
 
@@ -41,7 +39,6 @@ struct FTemplateGuard : FInterfaceTest
 	{
 		FQVMapConfig::SetMapTemplatePath("");
 		Engine.Interfaces.Dialogs = &Dialogs;
-		Engine.Interfaces.GameThread = &GameThread;
 	}
 	~FTemplateGuard() override { FQVMapTemplateGuard::Unregister(); }
 

@@ -4,6 +4,8 @@
 #include "Engine/QVGameThread.h"
 
 #include <list>
+#include <utility>
+#include <vector>
 
 namespace QVTest
 {
@@ -12,6 +14,8 @@ class FScriptedGameThread : public IQVGameThread
 {
 public:
 	bool bInGameThread = true;
+	/** Work for threads of its own waits for RunHeld; else it is run at once. */
+	bool bHoldsDedicated = false;
 
 	bool IsInGameThread() const override { return bInGameThread; }
 	void RunOnGameThreadAndWait(const std::function<void()>& Work) override { Work(); }
@@ -19,7 +23,21 @@ public:
 	{
 		Tickers.push_back({Period, Now + Period, std::move(Tick)});
 	}
-	void RunOnDedicatedThread(std::function<void()> Work) override { Work(); }
+	void RunOnDedicatedThread(std::function<void()> Work) override
+	{
+		Held.push_back(std::move(Work));
+		if (!bHoldsDedicated)
+		{
+			RunHeld();
+		}
+	}
+	void RunHeld()
+	{
+		for (const std::function<void()>& Work : std::exchange(Held, {}))
+		{
+			Work();
+		}
+	}
 
 	/** Runs what is due within so many seconds, in its order. */
 	void Advance(double Seconds)
@@ -45,6 +63,7 @@ private:
 	};
 
 	std::list<FTicker> Tickers;
+	std::vector<std::function<void()>> Held;
 	double Now = 0;
 
 	FTicker* FindNext(double End)

@@ -27,10 +27,6 @@ std::string ReplaceWith(std::string_view Text, std::string_view From, std::strin
 	}
 	return Result.append(Text);
 }
-
-constexpr std::string_view WhiteSpace[] = {" ", "\t", "\n", "\v", "\f", "\r", "\u0085", "\u00A0", "\u1680", "\u2000",
-	"\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007", "\u2008", "\u2009", "\u200A", "\u2028",
-	"\u2029", "\u202F", "\u205F", "\u3000"};
 } // namespace
 
 std::string FQVString::ToLower(std::string_view Text)
@@ -98,6 +94,14 @@ std::string FQVString::ReplaceAllIgnoreCase(std::string_view Text, std::string_v
 	return ReplaceWith(Text, From, To, FindIgnoreCase);
 }
 
+std::string_view FQVString::Trim(std::string_view Text)
+{
+	constexpr std::string_view Blanks = " \t\r\n";
+	const std::size_t First = std::min(Text.find_first_not_of(Blanks), Text.size());
+	Text.remove_prefix(First);
+	return Text.substr(0, Text.find_last_not_of(Blanks) + 1);
+}
+
 std::string FQVString::Join(std::span<const std::string> Parts, std::string_view Separator)
 {
 	std::string Result;
@@ -133,22 +137,4 @@ std::string_view FQVString::LastCharacters(std::string_view Text, std::size_t Co
 		Count -= bContinuation ? 0 : 1;
 	}
 	return Text.substr(Start);
-}
-
-std::string_view FQVString::TrimStartAndEnd(std::string_view Text)
-{
-	const auto Count = [](auto IsAtEdge)
-	{
-		const auto Found = std::find_if(std::begin(WhiteSpace), std::end(WhiteSpace), IsAtEdge);
-		return Found != std::end(WhiteSpace) ? Found->size() : 0;
-	};
-	while (const std::size_t Bytes = Count([&Text](std::string_view Each) { return Text.starts_with(Each); }))
-	{
-		Text.remove_prefix(Bytes);
-	}
-	while (const std::size_t Bytes = Count([&Text](std::string_view Each) { return Text.ends_with(Each); }))
-	{
-		Text.remove_suffix(Bytes);
-	}
-	return Text;
 }

@@ -80,7 +80,7 @@ std::vector<FQVNewModItem> SQVMapNewModDialog::GetItems()
 
 void SQVMapNewModDialog::SetName(std::string_view Typed)
 {
-	Name = FQVString::TrimStartAndEnd(Typed);
+	Name = FQVString::Trim(Typed);
 	Error = {};
 	bNameValid = !Name.empty() && FQVMapModWizard::ValidateNewModName(Name, Error);
 	View.OnChanged();
@@ -108,5 +108,5 @@ void SQVMapNewModDialog::Create()
 FQVCreateModRequest SQVMapNewModDialog::MakeRequest() const
 {
 	return {
-		Name, std::string(FQVString::TrimStartAndEnd(Author)), std::string(FQVString::TrimStartAndEnd(Description))};
+		Name, std::string(FQVString::Trim(Author)), std::string(FQVString::Trim(Description))};
 }
