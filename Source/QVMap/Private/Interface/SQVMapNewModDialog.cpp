@@ -107,6 +107,5 @@ void SQVMapNewModDialog::Create()
 
 FQVCreateModRequest SQVMapNewModDialog::MakeRequest() const
 {
-	return {
-		Name, std::string(FQVString::Trim(Author)), std::string(FQVString::Trim(Description))};
+	return {Name, std::string(FQVString::Trim(Author)), std::string(FQVString::Trim(Description))};
 }
