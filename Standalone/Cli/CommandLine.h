@@ -44,6 +44,8 @@ void AddBaseReleaseVerb(FCommandLine& Line);
 void AddCheckVerb(FCommandLine& Line);
 void AddInspectVerb(FCommandLine& Line);
 void AddMapsVerb(FCommandLine& Line);
+void AddNewVerb(FCommandLine& Line);
+void AddOpenVerb(FCommandLine& Line);
 void AddPackVerb(FCommandLine& Line);
 void AddPakVerb(FCommandLine& Line);
 void AddPlayVerb(FCommandLine& Line);

@@ -56,7 +56,9 @@ EExitCode ReportWrongUse(FCommandLine& Line, const CLI::ParseError& Error)
 
 void AddVerbs(FCommandLine& Line)
 {
+	AddNewVerb(Line);
 	AddMapsVerb(Line);
+	AddOpenVerb(Line);
 	AddCheckVerb(Line);
 	AddBaseReleaseVerb(Line);
 	AddPackVerb(Line);

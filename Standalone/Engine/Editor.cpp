@@ -30,6 +30,16 @@ void FEditor::SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgai
 	Blueprint.reset();
 	World = NewWorld != nullptr ? std::make_unique<FEditorWorld>(std::move(NewWorld)) : nullptr;
 	ReadWorld = std::move(ReadAgain);
+	if (World != nullptr)
+	{
+		MapOpened.Broadcast();
+	}
+}
+
+bool FEditor::SaveLevelAs(const IQVLevel&, std::string&)
+{
+	LogEngine(EQVLogVerbosity::Warning, "There is no window to ask for a place to save the level in");
+	return false;
 }
 
 IQVBlueprint* FEditor::GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& OutRefusal)

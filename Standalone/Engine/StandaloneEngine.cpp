@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/StandaloneEngine.h"
 
+#include "Core/QVPath.h"
+
 #include <clocale>
 
 namespace QVStandalone
@@ -10,6 +12,7 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	, Plugins(ProjectFile, EngineDir)
 	, Packages(Project.ProjectDir(), EngineDir, Plugins)
 	, Classes(Packages, Plugins)
+	, LevelEditor(Packages, [this](std::string_view PackageName) { return OpenMap(PackageName); })
 	, AssetRegistry(Project.ProjectDir(), Packages, GameThread)
 	, AssetTools(AssetRegistry, Packages, Project.ProjectDir())
 {
@@ -21,6 +24,9 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 		Editor.RenewOpenWorld();
 	};
 	Packages.OnReloaded = [this] { Editor.RenewOpenWorld(); };
+	Editor.SetLevelEditor(&LevelEditor);
+	Plugins.OnMounted = [this](const FQVPluginInfo& New)
+	{ AssetRegistry.ScanPathsSynchronous(FQVPath::Combine(New.BaseDir, "Content") + "/"); };
 	Interfaces.AssetRegistry = &AssetRegistry;
 	Interfaces.AssetTools = &AssetTools;
 	Interfaces.Classes = &Classes;

@@ -11,6 +11,7 @@
 #include "Standalone/Engine/GameThread.h"
 #include "Standalone/Engine/Http.h"
 #include "Standalone/Engine/JsonReader.h"
+#include "Standalone/Engine/LevelEditor.h"
 #include "Standalone/Engine/NoDialogs.h"
 #include "Standalone/Engine/Packages.h"
 #include "Standalone/Engine/Plugins.h"
@@ -37,8 +38,9 @@ public:
 	/** No scan has been started: whoever asks it starts one. */
 	FAssetRegistry& GetAssetRegistry() { return AssetRegistry; }
 	FAssetTools& GetAssetTools() { return AssetTools; }
+	FEditor& GetEditor() { return Editor; }
 	FGameThread& GetGameThread() { return GameThread; }
-	const FPackages& GetPackages() const { return Packages; }
+	FPackages& GetPackages() { return Packages; }
 	const FPlugins& GetPlugins() const { return Plugins; }
 
 	/**
@@ -57,6 +59,7 @@ private:
 	FClasses Classes;
 	FClock Clock;
 	FNoDialogs Dialogs;
+	FLevelEditor LevelEditor;
 	FEditor Editor;
 	FFiles Files;
 	FJsonReader JsonReader;

@@ -79,7 +79,8 @@ TEST_F(FUsage, WrongUseIsToldWithTheWayOut)
 		FWords Words;
 		const char* Error;
 	} Cases[] = {
-		{{}, "qvmap needs a verb: maps, check, base-release, pack, play, references, redirectors, recover, pak, "
+		{{}, "qvmap needs a verb: new, maps, open, check, base-release, pack, play, references, redirectors, recover, "
+			 "pak, "
 			 "inspect, "
 			 "settings, "
 			 "setup, update, sample\n  "

@@ -252,7 +252,7 @@ TEST_F(FFlowTest, RunsOfTwoModsAtOnceDoNotDisturbOneAnother)
 TEST_F(FFlowTest, OnlyOneBaseReleaseIsBuiltAtATime)
 {
 	int Ended = 0;
-	const int Handle = FQVMapBaseReleaseBuild::OnBuildEnded().Add(
+	FQVSubscription Subscription = FQVMapBaseReleaseBuild::OnBuildEnded().Subscribe(
 		[&]
 		{
 			++Ended;
@@ -270,7 +270,7 @@ TEST_F(FFlowTest, OnlyOneBaseReleaseIsBuiltAtATime)
 		"finish before starting another one.\n");
 	EXPECT_EQ(Outcomes, std::vector<bool>{false}) << "whoever waits for it does not hang";
 	Engine.GetGameThread().RunUntilIdle();
-	FQVMapBaseReleaseBuild::OnBuildEnded().Remove(Handle);
+	Subscription.reset();
 	EXPECT_EQ(Outcomes, (std::vector<bool>{false, true}));
 	EXPECT_EQ(Ended, 1);
 	EXPECT_EQ(Children.Commands.size(), 1U);

@@ -43,6 +43,8 @@ struct FLevelPackageSpec
 	std::vector<std::string> SoftPackages = {};
 	bool bPartitioned = false;
 	bool bExternalActors = false;
+	/** An empty BSP model with its polygons, which every level of the editor has. */
+	bool bModel = false;
 };
 
 struct FExternalActorSpec

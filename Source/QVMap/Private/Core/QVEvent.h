@@ -1,38 +1,42 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <algorithm>
 #include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
 
-/** Something that others want to hear of. Used on one thread; listeners may come and go while it is told. */
-template<class... Args>
+/** Whoever holds it hears of an event; letting go of it ends that. It may outlive the event. */
+using FQVSubscription = std::shared_ptr<const void>;
+
+/** Something that happens now and then, and those who want to hear of it. On one thread. */
+template<class... TArguments>
 class TQVEvent
 {
 public:
-	using FListener = std::function<void(Args...)>;
+	using FHandler = std::function<void(TArguments...)>;
 
-	/** Gives what Remove takes; never 0. */
-	int Add(FListener Listener)
+	[[nodiscard]] FQVSubscription Subscribe(FHandler Handler)
 	{
-		Listeners.emplace_back(++LastHandle, std::move(Listener));
-		return LastHandle;
+		auto Kept = std::make_shared<const FHandler>(std::move(Handler));
+		Handlers.push_back(Kept);
+		return Kept;
 	}
-	void Remove(int Handle)
+	/** In the order of the subscriptions. A handler may subscribe, and let go of any subscription, its own too. */
+	void Broadcast(TArguments... Arguments)
 	{
-		std::erase_if(Listeners, [Handle](const auto& Each) { return Each.first == Handle; });
-	}
-	/** In the order in which they came. */
-	void Broadcast(Args... Arguments) const
-	{
-		const auto Now = Listeners;
-		for (const auto& [Handle, Listener] : Now)
+		const auto Now = Handlers;
+		for (const auto& Each : Now)
 		{
-			Listener(Arguments...);
+			if (const std::shared_ptr<const FHandler> Handler = Each.lock())
+			{
+				(*Handler)(Arguments...);
+			}
 		}
+		std::erase_if(Handlers, [](const auto& Each) { return Each.expired(); });
 	}
 
 private:
-	std::vector<std::pair<int, FListener>> Listeners;
-	int LastHandle = 0;
+	std::vector<std::weak_ptr<const FHandler>> Handlers;
 };
