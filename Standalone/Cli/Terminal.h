@@ -2,6 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace QVCli
 {
@@ -9,4 +12,9 @@ namespace QVCli
 bool IsTerminal();
 /** Columns of that terminal. */
 std::size_t TerminalWidth();
+/** Whether somebody is there to answer: standard input and standard error are terminals. */
+bool CanAsk();
+/** Shows the prompt on standard error and waits for a line, given without its end and without blanks around it. Nothing
+ * at the end of the input, and after an interrupt. */
+std::optional<std::string> AskLine(std::string_view Prompt);
 } // namespace QVCli

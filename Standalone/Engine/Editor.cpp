@@ -32,28 +32,14 @@ void FEditor::SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgai
 	ReadWorld = std::move(ReadAgain);
 	if (World != nullptr)
 	{
-		TellMapOpened();
+		MapOpened.Broadcast();
 	}
 }
 
-std::shared_ptr<void> FEditor::OnMapOpened(std::function<void()> Callback)
+bool FEditor::SaveLevelAs(const IQVLevel&, std::string&)
 {
-	auto Subscription = std::make_shared<std::function<void()>>(std::move(Callback));
-	MapOpened.push_back(Subscription);
-	return Subscription;
-}
-
-void FEditor::TellMapOpened()
-{
-	std::erase_if(MapOpened, [](const auto& Each) { return Each.expired(); });
-	// who is called may end subscriptions, and begin some
-	for (const auto& Each : std::vector(MapOpened))
-	{
-		if (const auto Subscription = Each.lock())
-		{
-			(*Subscription)();
-		}
-	}
+	LogEngine(EQVLogVerbosity::Warning, "There is no window to ask for a place to save the level in");
+	return false;
 }
 
 IQVBlueprint* FEditor::GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& OutRefusal)
@@ -74,13 +60,21 @@ IQVBlueprint* FEditor::GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& O
 			Why, Name));
 		return nullptr;
 	}
-	Blueprint = std::make_unique<FLevelScriptBlueprint>(std::move(*Opened), [this, File] { RenewWorld(File); });
+	Blueprint = std::make_unique<FLevelScriptBlueprint>(std::move(*Opened),
+		[this, File]
+		{
+			FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles({&File, 1});
+			RenewOpenWorld();
+		});
 	return Blueprint.get();
 }
 
-void FEditor::RenewWorld(const std::string& File)
+void FEditor::RenewOpenWorld()
 {
-	FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles({&File, 1});
+	if (World == nullptr)
+	{
+		return;
+	}
 	auto Reading = ReadWorld();
 	if (!Reading)
 	{

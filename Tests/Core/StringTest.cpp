@@ -67,6 +67,13 @@ TEST(String, CutsTexts)
 	EXPECT_EQ(FQVString::LastCharacters("aö洞\U0001F600", 3), "ö洞\U0001F600");
 }
 
+TEST(String, Trims)
+{
+	EXPECT_EQ(FQVString::Trim(" \t\r\nCave 1\n "), "Cave 1");
+	EXPECT_EQ(FQVString::Trim(" \t"), "");
+	EXPECT_EQ(FQVString::Trim(""), "");
+}
+
 TEST(Unicode, ConvertsAndRepairs)
 {
 	EXPECT_EQ(FQVUnicode::ToUtf16("aö洞\U0001F600"), u"aö洞\U0001F600");

@@ -107,6 +107,14 @@ std::string FQVString::ReplaceAllIgnoreCase(std::string_view Text, std::string_v
 	return ReplaceWith(Text, From, To, FindIgnoreCase);
 }
 
+std::string_view FQVString::Trim(std::string_view Text)
+{
+	constexpr std::string_view Blanks = " \t\r\n";
+	const std::size_t First = std::min(Text.find_first_not_of(Blanks), Text.size());
+	Text.remove_prefix(First);
+	return Text.substr(0, Text.find_last_not_of(Blanks) + 1);
+}
+
 std::string FQVString::Join(std::span<const std::string> Parts, std::string_view Separator)
 {
 	std::string Result;

@@ -39,6 +39,8 @@ public:
 	/** Never null. */
 	virtual std::shared_ptr<IQVNotification> AddNotification(const FQVNotificationInfo& Info) = 0;
 
+	/** A window is open that keeps the user from all others. */
+	virtual bool IsModalWindowActive() const { return false; }
 	/** Whether there is a desktop that could show a file dialog at all. */
 	virtual bool HasDesktop() const = 0;
 	/** One file to open; nothing when the user cancels. FileTypes as "Executable Files (*.exe)|*.exe". */

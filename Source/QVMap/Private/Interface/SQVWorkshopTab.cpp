@@ -111,7 +111,7 @@ void SQVWorkshopTab::ShowVisibility()
 void SQVWorkshopTab::ResolveStartMap()
 {
 	// a build sets the descriptors aside, and no mod would be found
-	if (IsBaseReleaseBuilding())
+	if (Actions.IsBaseReleaseBuilding())
 	{
 		return;
 	}

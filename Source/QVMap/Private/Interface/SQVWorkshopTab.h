@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Core/QVEvent.h"
 #include "Export/QVMapExportResult.h"
 #include "HandOff/QVMapWorkshopConfig.h"
 #include "HandOff/QVMapWorkshopImages.h"
@@ -34,10 +35,10 @@ struct FQVWorkshopBrush
 	FQVImagePixels Image;
 };
 
-/** What the tab starts or asks that is another one's to do; the last two are always bound. */
+/** What the tab starts or asks that is another one's to do; all are bound. */
 struct FQVWorkshopTabActions
 {
-	/** The base release is being built, and mods are set aside meanwhile. Unbound: it is not. */
+	/** The base release is being built, and mods are set aside meanwhile. */
 	std::function<bool()> IsBaseReleaseBuilding;
 	/** The open map's mod, map and game path; false when there is none, which the user then has been told. */
 	std::function<bool(std::string& OutMod, std::string& OutMap, std::string& OutGamePath)> ResolveOpenMap;
@@ -45,6 +46,9 @@ struct FQVWorkshopTabActions
 	std::function<void(const std::string& Mod, const std::string& Map, const std::string& GamePath,
 		std::function<void(const FQVExportResult&)> OnComplete)>
 		RunExport;
+
+	/** As the toolkit does it. */
+	static FQVWorkshopTabActions OfToolkit();
 };
 
 /**
@@ -55,7 +59,8 @@ class SQVWorkshopTab
 {
 public:
 	/** Shows the open map's details at once, and follows when another one is opened. The view outlives the tab. */
-	SQVWorkshopTab(IQVWorkshopTabView& InView, FQVWorkshopTabActions InActions);
+	explicit SQVWorkshopTab(
+		IQVWorkshopTabView& InView, FQVWorkshopTabActions InActions = FQVWorkshopTabActions::OfToolkit());
 	SQVWorkshopTab(const SQVWorkshopTab&) = delete;
 	SQVWorkshopTab& operator=(const SQVWorkshopTab&) = delete;
 
@@ -104,9 +109,8 @@ private:
 	/** For who may outlive the tab. */
 	const std::shared_ptr<SQVWorkshopTab*> Self = std::make_shared<SQVWorkshopTab*>(this);
 	/** Last: it goes first. */
-	std::shared_ptr<void> MapOpenedHandle;
+	FQVSubscription MapOpenedHandle;
 
-	bool IsBaseReleaseBuilding() const { return Actions.IsBaseReleaseBuilding && Actions.IsBaseReleaseBuilding(); }
 	void FollowOpenMap();
 	void RefreshIdentity();
 	void LoadForm();

@@ -4,6 +4,7 @@
 #include "Core/QVString.h"
 #include "Engine/QVDialogs.h"
 #include "Engine/QVEngine.h"
+#include "Export/QVMapBaseReleaseBuild.h"
 #include "HandOff/QVMapPlaytest.h"
 #include "Interface/SQVWorkshopTab.h"
 
@@ -35,9 +36,17 @@ void HandOver(const std::string& UploadPath)
 }
 } // namespace
 
+FQVWorkshopTabActions FQVWorkshopTabActions::OfToolkit()
+{
+	return {&FQVMapBaseReleaseBuild::IsBaseReleaseBuilding, &FQVMapPlaytest::ResolveOpenMap,
+		[](const std::string& Mod, const std::string& Map, const std::string& GamePath, auto OnComplete) {
+			FQVMapPlaytest::RunExport({Mod, Map, GamePath, false, std::move(OnComplete)});
+		}};
+}
+
 bool SQVWorkshopTab::IsOpenMapShown(std::string& OutMap, std::string& OutGamePath)
 {
-	if (IsBaseReleaseBuilding())
+	if (Actions.IsBaseReleaseBuilding())
 	{
 		Tell("BuildRunning", "The base release is still building.\n\nWait for it to finish, then publish.");
 		return false;
