@@ -6,6 +6,7 @@
 #include "Tests/Support/ScriptedWorld.h"
 
 #include <dirent.h>
+#include <sys/wait.h>
 
 using namespace QVTest;
 
@@ -335,6 +336,7 @@ TEST_F(FFlowTest, FiftyPacksInARowLeaveNothingBehind)
 	EXPECT_EQ(Completed.size(), 51U);
 	EXPECT_EQ(OpenDescriptors(), Descriptors);
 	EXPECT_EQ(Threads(), ThreadCount);
+	EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child is left, if only to be waited for";
 	EXPECT_EQ(Project.FilesIn("Saved/QVPak/Temp"), Left);
 	EXPECT_EQ(Project.FilesIn("Saved/QVPak/Output").size(), 1U);
 	EXPECT_EQ(Snapshot(), Before);
