@@ -93,7 +93,7 @@ std::optional<std::vector<std::string>> ConvertAll(
 	return Converted;
 }
 
-bool Set(
+bool SetField(
 	FConsole& Console, FWorkshopDetails& Details, const FWorkshopField& Field, const std::vector<std::string>& Typed)
 {
 	if (Field.Text != nullptr && Typed.size() != 1)
@@ -128,7 +128,7 @@ bool Add(
 }
 
 /** By what stands in the list, by the full path of what was typed, or by the name of a file alone. */
-bool Remove(
+bool RemoveFromList(
 	FConsole& Console, FWorkshopDetails& Details, const FWorkshopField& Field, const std::vector<std::string>& Typed)
 {
 	std::vector<std::string>& List = Details.Config.*Field.List;
@@ -151,7 +151,7 @@ using FEdit = bool (*)(FConsole&, FWorkshopDetails&, const FWorkshopField&, cons
 EExitCode Edit(FCommandLine& Line, FWorkshopOptions Options, FEdit Change)
 {
 	std::string Error;
-	const FWorkshopField* Field = FindWorkshopField(Options.Field, Change != Set, Error);
+	const FWorkshopField* Field = FindWorkshopField(Options.Field, Change != SetField, Error);
 	if (Field == nullptr)
 	{
 		Line.Console.Fail(Error);
@@ -200,9 +200,9 @@ void AddWorkshopVerb(FCommandLine& Line)
 		bool bListsOnly;
 		FEdit Change;
 	} Edits[] = {
-		{"set", "Stores a field", "qvmap workshop set Cave visibility friends_only", false, Set},
+		{"set", "Stores a field", "qvmap workshop set Cave visibility friends_only", false, SetField},
 		{"add", "Adds to a list", "qvmap workshop add Cave screenshots hall.png \"lake at night.jpg\"", true, Add},
-		{"remove", "Removes from a list", "qvmap workshop remove Cave tags parkour", true, Remove},
+		{"remove", "Removes from a list", "qvmap workshop remove Cave tags parkour", true, RemoveFromList},
 	};
 	for (const auto& Each : Edits)
 	{

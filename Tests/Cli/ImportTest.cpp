@@ -8,7 +8,7 @@
 using namespace QVFormats;
 using namespace QVTest;
 namespace fs = std::filesystem;
-using FJson = nlohmann::ordered_json;
+using FOrderedJson = nlohmann::ordered_json;
 
 namespace
 {
@@ -66,7 +66,7 @@ protected:
 		Put(Journal + "0000_Hall.umap", Get(Map));
 		Put(Map, "repointed");
 		Put(Copy, "copy");
-		const FJson Manifest = {{"schema_version", 1},
+		const FOrderedJson Manifest = {{"schema_version", 1},
 			{"backups", {{{"package", "/Cave/Maps/Hall"}, {"original", (Folder / Map).string()},
 							{"backup", (Folder / (Journal + "0000_Hall.umap")).string()}}}},
 			{"imported", {{{"file", (Folder / Copy).string()}}}}};
@@ -106,9 +106,9 @@ TEST_F(FImportVerb, WhatIsMissingIsSaidBeforeAnythingChanges)
 	Before = UserFiles();
 	const FProgramEnd DryRun = Run({"pack", "Cave", "--dry-run", "--format", "json"});
 	EXPECT_EQ(DryRun.Code, 1);
-	const FJson Json = FJson::parse(DryRun.Out);
-	EXPECT_EQ(Json["missing_for_cook"], FJson({"/Game/Props/Planke_Größe"}));
-	EXPECT_EQ(Json["repoint"], FJson::array());
+	const FOrderedJson Json = FOrderedJson::parse(DryRun.Out);
+	EXPECT_EQ(Json["missing_for_cook"], FOrderedJson({"/Game/Props/Planke_Größe"}));
+	EXPECT_EQ(Json["repoint"], FOrderedJson::array());
 	const FProgramEnd Packed = Run({"pack", "Cave"});
 	EXPECT_EQ(Packed.Code, 1);
 	EXPECT_NE(Packed.Err.find("Missing (1 of 1):"), std::string::npos) << Packed.Err;

@@ -9,7 +9,7 @@
 using namespace QVFormats;
 using namespace QVTest;
 namespace fs = std::filesystem;
-using FJson = nlohmann::ordered_json;
+using FOrderedJson = nlohmann::ordered_json;
 
 namespace
 {
@@ -76,7 +76,7 @@ TEST_F(FRedirectorsVerb, ListsTriesAndFixes)
 
 	const FProgramEnd Fixed = Redirectors({"fix", "Cave", "--format", "json"});
 	EXPECT_EQ(Fixed.Code, 0) << Fixed.Err;
-	FJson Json = FJson::parse(Fixed.Out);
+	FOrderedJson Json = FOrderedJson::parse(Fixed.Out);
 	const std::string Backup = Json["backup"];
 	Json.erase("backup");
 	EXPECT_EQ(Json.dump(),
@@ -88,7 +88,7 @@ TEST_F(FRedirectorsVerb, ListsTriesAndFixes)
 		R"("references":2,"rewritten":true,"obstacle":""}]})");
 	EXPECT_FALSE(fs::exists(Folder / "Content/Crate.uasset"));
 	const FProgramEnd References = Run({"references", "Cave", "--format", "json"});
-	EXPECT_EQ(FJson::parse(References.Out)["untrusted"].size(), 0u) << References.Out;
+	EXPECT_EQ(FOrderedJson::parse(References.Out)["untrusted"].size(), 0u) << References.Out;
 
 	const FProgramEnd Nothing = Redirectors({"fix", "Cave"});
 	EXPECT_EQ(Nothing.Code, 0);
@@ -151,7 +151,7 @@ TEST_F(FScriptedToolsTest, FilteringLeavesOutWhatNoMapUses)
 	EXPECT_NE(List.find("Maps/Hall.umap"), std::string::npos);
 	EXPECT_NE(List.find("ShaderArchive-Cave"), std::string::npos);
 	EXPECT_EQ(List.find("Unused"), std::string::npos) << List;
-	const FJson Json = FJson::parse(Run({"pack", "Cave", "--format", "json"}).Out);
+	const FOrderedJson Json = FOrderedJson::parse(Run({"pack", "Cave", "--format", "json"}).Out);
 	EXPECT_EQ(Json["filter_unused_active"], true);
 	EXPECT_EQ(Json["files_skipped"], 2);
 }

@@ -6,7 +6,7 @@ using namespace QVTest;
 
 namespace
 {
-const std::string Frame = "QVMap: ================================================\n";
+const std::string Border = "QVMap: ================================================\n";
 constexpr std::string_view ResponseFile = "Saved/QVPak/Temp/Cave_filelist.txt";
 
 class FPackTest : public FToolkitTest
@@ -78,9 +78,9 @@ TEST_F(FPackTest, ListsEveryFileAndTheManifestLast)
 	EXPECT_EQ(LoggedFrom("QVMap: Pak contents"),
 		"QVMap: Pak contents: 2 map(s), 5 payload file(s), 1 shader archive(s)\n"
 		"QVMap DEBUG: Manifest entry: Source=C:/x y/m.json Dest=../../../Cave/Content/manifest.json\n" +
-			Frame +
+			Border +
 			"QVMap: PACKING SUMMARY (No Filtering)\nQVMap:   Assets packed: 9\nQVMap:   Total in pak: 10 files\n" +
-			Frame +
+			Border +
 			"QVMap DEBUG: Response file generated with 10 entries: <Project>/Saved/QVPak/Temp/Cave_filelist.txt\n"
 			"QVMap DEBUG: First 10 response file entries:\n" +
 			Entries);
@@ -110,22 +110,22 @@ TEST_F(FPackTest, FiltersOnlyWhenAskedToAndWhenItKnowsWhatIsUsed)
 
 	Generate();
 	EXPECT_TRUE(Logged().starts_with(
-		"Warning: QVMap: Filter requested but no used packages computed (will include all)\n" + Frame));
+		"Warning: QVMap: Filter requested but no used packages computed (will include all)\n" + Border));
 	EXPECT_FALSE(Result.bFilterUnusedActive);
 	EXPECT_EQ(Result.FilesPacked, 11);
 
 	Used = {FQVName("/Cave/Maps/Hall"), FQVName("/Cave/MESHES/Wall"), FQVName("/Engine/x")};
 	Generate();
 	const std::string Text = Logged();
-	EXPECT_TRUE(Text.starts_with("QVMap: Filtering enabled, 3 used packages, Plugin=Cave\n" + Frame)) << Text;
+	EXPECT_TRUE(Text.starts_with("QVMap: Filtering enabled, 3 used packages, Plugin=Cave\n" + Border)) << Text;
 	EXPECT_TRUE(Result.bFilterUnusedActive);
 	EXPECT_EQ((std::vector{Result.FilesPacked, Result.FilesSkipped, Result.MapFiles, Result.PayloadFiles}),
 		(std::vector{6, 5, 1, 3}));
-	EXPECT_NE(Text.find(Frame +
+	EXPECT_NE(Text.find(Border +
 						"QVMap: PACKING SUMMARY (Filtering Enabled)\nQVMap:   Packages whitelisted: 3\nQVMap:   Assets "
 						"kept: 4\nQVMap:   Sidecars included: 1\nQVMap:   Assets skipped: 5\nQVMap:   Total in pak: 6 "
 						"files\nQVMap:   Reduction: 55.6% files skipped\n" +
-						Frame),
+						Border),
 		Text.npos)
 		<< Text;
 	for (const char* Gone : {"Deep/hall", "Attic", "Rock"})

@@ -11,8 +11,8 @@ using namespace QVTest;
 
 namespace
 {
-const std::string CookRoot = "Saved/Cooked/Windows/MapWork/";
-const std::string CookedDir = CookRoot + "Plugins/Cave/Content/";
+const std::string CookedProject = "Saved/Cooked/Windows/MapWork/";
+const std::string CookedDir = CookedProject + "Plugins/Cave/Content/";
 const std::string OutputDir = "Saved/QVPak/Output/";
 
 /** A mod of two maps, a base release, and children that cook it and pack it. */
@@ -83,7 +83,7 @@ TEST_F(FPipelineTest, ASuccessfulExportFromTheFirstLineToTheLast)
 	for (const char* File : {"Content/ant.uasset", "Content/Ball.UMAP", "Content/Ball.uexp", "Engine/Grid.uasset",
 			 "Plugins/Quarvel/Door.uasset", "Plugins/Other/Content/x.uasset"})
 	{
-		Cook.push_back("write " + Project.At(CookRoot + File) + "|1");
+		Cook.push_back("write " + Project.At(CookedProject + File) + "|1");
 	}
 	Project.ScriptEditorCmd(Cook);
 	Project.ScriptUnrealPak({"write {1}|pak", "print LogPak: done"});
@@ -220,7 +220,7 @@ TEST_F(FPipelineTest, EachFailureStopsAtItsStage)
 		EXPECT_EQ(Left.Timestamp, Clock.Now());
 		EXPECT_EQ(Left.MapsManifest.size(), Case.Stage == std::string_view("validating") ? 0u : 2u);
 		EXPECT_EQ(Left.MapsCooked.size(), Case.Children > 0 ? 2u : 0u);
-		EXPECT_EQ(Left.CookedDir, bPacking ? Project.At(CookRoot + "Plugins/Cave/Content") : "");
+		EXPECT_EQ(Left.CookedDir, bPacking ? Project.At(CookedProject + "Plugins/Cave/Content") : "");
 		EXPECT_EQ(Left.FilesPacked, bPacking ? 5 : 0);
 		EXPECT_EQ(Left.PakPath + Left.LogPath, "");
 		const bool bManifest = Left.FailedStage == "cooking" || bPacking;

@@ -8,7 +8,7 @@ using namespace QVTest;
 
 namespace
 {
-constexpr const char* Template = "/QUARVEL/Templates/Start";
+constexpr const char* StartTemplate = "/QUARVEL/Templates/Start";
 
 struct FModWizard : FInterfaceTest
 {
@@ -125,7 +125,7 @@ TEST_F(FModWizard, MakesAPluginWithAnOpenLevel)
 TEST_F(FModWizard, CopiesTheTemplateThatIsConfigured)
 {
 	Project.Write("Plugins/QUARVEL/Content/Templates/Start.umap", "template");
-	FQVMapConfig::SetMapTemplatePath(Template);
+	FQVMapConfig::SetMapTemplatePath(StartTemplate);
 	Recording.Take();
 	EXPECT_EQ(Create(), "created /Cave/Maps/Cave ");
 	EXPECT_EQ(Editor.TakeAsked(),
@@ -135,7 +135,7 @@ TEST_F(FModWizard, CopiesTheTemplateThatIsConfigured)
 
 TEST_F(FModWizard, SaysThatTheTemplateIsMissing)
 {
-	FQVMapConfig::SetMapTemplatePath(Template);
+	FQVMapConfig::SetMapTemplatePath(StartTemplate);
 	Recording.Take();
 	EXPECT_EQ(Create(), "created /Cave/Maps/Cave ");
 	EXPECT_NE(Editor.TakeAsked().find("\nnew /Cave/Maps/Cave\n"), std::string::npos);

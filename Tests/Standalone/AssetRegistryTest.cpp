@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 
 namespace
 {
-constexpr const char* Hall = "Plugins/Cave/Content/Maps/Hall.umap";
+constexpr const char* HallFile = "Plugins/Cave/Content/Maps/Hall.umap";
 
 struct AssetRegistry : FRegistryTest
 {
@@ -18,11 +18,11 @@ struct AssetRegistry : FRegistryTest
 	{
 		PutPlugin("Plugins/Cave");
 		PutPlugin("Plugins/Cavern");
-		PutWorld(Hall, {"/Cave/Maps/Hall",
-						   {{"/Cave/Meshes/Rock", "/Script/Engine", "StaticMesh", "Rock"},
-							   {"/Game/Tools/Rig", "/Script/Engine", "Texture2D", "Rig", false},
-							   {"/cave/meshes/ROCK_2", "/Script/Engine", "StaticMesh", "ROCK_2"}},
-						   {"/Game/Tools/Rig", "/Game/Gone", "/Cave/Maps/Part"}, false});
+		PutWorld(HallFile, {"/Cave/Maps/Hall",
+							   {{"/Cave/Meshes/Rock", "/Script/Engine", "StaticMesh", "Rock"},
+								   {"/Game/Tools/Rig", "/Script/Engine", "Texture2D", "Rig", false},
+								   {"/cave/meshes/ROCK_2", "/Script/Engine", "StaticMesh", "ROCK_2"}},
+							   {"/Game/Tools/Rig", "/Game/Gone", "/Cave/Maps/Part"}, false});
 		PutWorld("Plugins/Cave/Content/Maps/Part.umap", {"/Cave/Maps/Part", {}, {"/Game/Gone"}, false});
 		PutMesh("Plugins/Cave/Content/Meshes/Rock.uasset", "/Cave/Meshes/Rock", 1000);
 		PutMesh("Plugins/Cave/Content/Meshes/Rock_2.uasset", "/Moved/By/Hand/Rock_2");
@@ -130,7 +130,7 @@ TEST_F(AssetRegistry, AMapDependsOnWhatIsItsOwnByPlace)
 
 TEST_F(AssetRegistry, ListsWhatItCannotRead)
 {
-	const std::string Whole = Project.Read(Hall);
+	const std::string Whole = Project.Read(HallFile);
 	Project.Write("Content/Cut.umap", Whole.substr(0, 900));
 	Project.Write("Content/Newer.umap", std::string(Whole).replace(16, 4, "\x10\x27\0\0", 4));
 	Project.Write("Content/Pointer.uasset", "version https://git-lfs.github.com/spec/v1\noid sha256:0\nsize 1\n");
@@ -217,7 +217,7 @@ TEST_F(AssetRegistry, SeesWhatHasChanged)
 	EXPECT_EQ(Session.Referencers("/Cave/Meshes/Rock_2"), FTexts{"/Cave/Maps/Hall"});
 	EXPECT_EQ(Project.Mask(Registry.GetPackageFile(Shout)), "<Project>/Plugins/Cave/Content/Meshes/Rock_9.uasset");
 
-	PutWorld(Hall, {"/Cave/Maps/Hall", {}, {}, false});
+	PutWorld(HallFile, {"/Cave/Maps/Hall", {}, {}, false});
 	Project.Write("Plugins/Cave/Content/Maps/Broken.umap", "broken");
 	Registry.ScanPathsSynchronous(Project.At("Plugins/../Plugins/Cave/"));
 	EXPECT_EQ(Session.Referencers("/Cave/Meshes/Rock_2"), FTexts{});

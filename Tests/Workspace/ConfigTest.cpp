@@ -11,7 +11,7 @@ namespace
 {
 constexpr std::string_view ConfigFile = "Saved/QVPak/config.json";
 const std::string Saved = "QVMap: Config saved to <Project>/Saved/QVPak/config.json\n";
-const std::string Unreadable = "Warning: Failed to parse config file: <Project>/Saved/QVPak/config.json\n";
+const std::string UnreadableConfig = "Warning: Failed to parse config file: <Project>/Saved/QVPak/config.json\n";
 
 using FConfig = FQVMapConfig;
 
@@ -130,10 +130,10 @@ TEST_F(FConfigTest, ABrokenFileWarnsAtEachReadUntilASetterReplacesIt)
 		Project.Write(ConfigFile, Text);
 		EXPECT_TRUE(FConfig::GetImportExternalAssets()) << Text;
 		EXPECT_EQ(FConfig::GetMapTemplatePath(), "/QUARVEL/Templates/DefaultMapTemplate") << Text;
-		EXPECT_EQ(Logged(), Unreadable + Unreadable) << Text;
+		EXPECT_EQ(Logged(), UnreadableConfig + UnreadableConfig) << Text;
 		EXPECT_EQ(Project.Read(ConfigFile), Text);
 		FConfig::SetRuntimeConsole(true);
-		EXPECT_EQ(Logged(), Unreadable + Saved + "QVMap: Runtime console set to: true\n") << Text;
+		EXPECT_EQ(Logged(), UnreadableConfig + Saved + "QVMap: Runtime console set to: true\n") << Text;
 		EXPECT_EQ(Project.Read(ConfigFile), "{\r\n\t\"runtime_console\": true\r\n}");
 	}
 }
