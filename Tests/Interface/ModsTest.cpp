@@ -15,7 +15,7 @@ struct FMods : FInterfaceTest
 		std::string Text;
 		for (const FQVMenuEntry& Each : Entries)
 		{
-			constexpr const char* Kinds[] = {"", "menu ", "text "};
+			constexpr const char* Kinds[] = {"", "check ", "menu ", "text ", "--"};
 			const bool bChecked = Each.IsChecked && Each.IsChecked();
 			Text += Indent + (bChecked ? "* " : "") + Kinds[static_cast<std::size_t>(Each.Kind)] + Say(Each.Label) +
 					(Each.Tooltip.GetKey().empty() ? "" : " (" + Say(Each.Tooltip) + ")") + "\n" +

@@ -2,7 +2,6 @@
 #include "Tests/Interface/WorkshopTabSupport.h"
 
 #include "Export/QVMapLastExport.h"
-#include "Interface/QVMapWorkshopTab.h"
 #include "Standalone/Engine/TextEncoding.h"
 
 using namespace QVTest;
@@ -61,10 +60,6 @@ TEST(WorkshopForm, IsTheWholeFormInItsOrder)
 		" [line]\n"
 		" [button] button 4 ExportAndUpload: PACK & PUBLISH tooltip ExportUploadTooltip: Pack this map and hand it to "
 		"QUARVEL to publish on the Steam Workshop\n");
-	EXPECT_EQ(FQVMapWorkshopTab::TabId, "QVMapWorkshop");
-	EXPECT_EQ(FQVMapWorkshopTab::GetDisplayName().GetKey(), "TabTitle");
-	EXPECT_EQ(FQVMapWorkshopTab::GetDisplayName().ToString(), "Share Map");
-	EXPECT_EQ(FQVMapWorkshopTab::GetTooltip().ToString(), "Describe a map and publish it to the Steam Workshop");
 }
 
 TEST_F(FWorkshopTab, FollowsTheOpenMap)

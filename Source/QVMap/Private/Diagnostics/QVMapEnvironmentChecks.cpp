@@ -99,25 +99,15 @@ FQVDiagnosticFinding CheckEditorCmd(const FQVDiagnosticOptions&)
 		Text("EnvEditorCmdRemedy", "Your engine install looks incomplete - cooking cannot run without it."));
 }
 
-/** Files' times are in UTC, people's are not. */
-std::string LocalTimeText(std::int64_t UtcTicks)
-{
-	const IQVClock& Clock = *FQVEngine::Get().Clock;
-	constexpr std::int64_t Minute = 60 * FQVDateTime::TicksPerSecond;
-	const std::int64_t Ahead = Clock.Now().GetTicks() - Clock.UtcNow().GetTicks();
-	const std::int64_t Zone = (Ahead + (Ahead < 0 ? -Minute : Minute) / 2) / Minute * Minute;
-	return FQVDateTime(UtcTicks + Zone).ToDisplayText();
-}
-
 FQVDiagnosticFinding CheckBaseRelease(const FQVDiagnosticOptions& Options)
 {
 	constexpr FCheck Check{"Env.BaseRelease", "EnvBaseReleaseTitle", "Base release usable"};
 	FQVBaseReleaseStatus Status;
 	if (FQVMapPaths::CheckBaseRelease(Status))
 	{
-		return Check.Pass(
-			Text("EnvBaseReleasePass", "Built {0} - {1} packages ({2}).", LocalTimeText(Status.RegistryTimestamp),
-				Status.PackageCount, FQVDiagnosticModel::FormatBytes(Status.RegistrySizeBytes)));
+		return Check.Pass(Text("EnvBaseReleasePass", "Built {0} - {1} packages ({2}).",
+			FQVEngine::Get().Clock->ToLocalTime(Status.RegistryTimestamp).ToDisplayText(), Status.PackageCount,
+			FQVDiagnosticModel::FormatBytes(Status.RegistrySizeBytes)));
 	}
 	FQVText Label = Status.bReleaseDirExists ? Text("Rebuild", "Rebuild") : Text("BuildNow", "Build Now");
 	return WithCallback(Check.Error(Shown(Status.ErrorMessage),

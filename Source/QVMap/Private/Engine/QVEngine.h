@@ -11,6 +11,7 @@ class IQVFiles;
 class IQVGameThread;
 class IQVHttp;
 class IQVImages;
+class IQVInterface;
 class IQVJsonReader;
 class IQVPackages;
 class IQVPlugins;
@@ -36,6 +37,8 @@ struct FQVEngine
 	IQVGameThread* GameThread = nullptr;
 	IQVHttp* Http = nullptr;
 	IQVImages* Images = nullptr;
+	/** Stays null in a program without windows; then the module is not started. */
+	IQVInterface* Interface = nullptr;
 	IQVJsonReader* JsonReader = nullptr;
 	IQVPackages* Packages = nullptr;
 	IQVPlugins* Plugins = nullptr;

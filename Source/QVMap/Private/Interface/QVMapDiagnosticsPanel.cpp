@@ -15,23 +15,7 @@ FQVText FQVDiagnosticsRow::GetTitle() const
 
 bool FQVDiagnosticsRow::HasAction() const
 {
-	if (Finding == nullptr || Finding->ActionLabel.ToString().empty())
-	{
-		return false;
-	}
-	switch (Finding->ActionKind)
-	{
-	case EQVDiagAction::None:
-		return false;
-	case EQVDiagAction::OpenFolder:
-	case EQVDiagAction::OpenFile:
-		return !Finding->ActionPath.empty();
-	case EQVDiagAction::BrowseToAssets:
-		return !Finding->ActionAssets.empty();
-	case EQVDiagAction::Custom:
-		return Finding->ActionCallback != nullptr;
-	}
-	return false;
+	return Finding != nullptr && QVHasAction(*Finding);
 }
 
 FQVMapDiagnosticsPanel::FQVMapDiagnosticsPanel(IQVDiagnosticsPanelView& InView, FQVDiagnosticActions InActions)
@@ -197,25 +181,9 @@ void FQVMapDiagnosticsPanel::Act(std::size_t Row)
 	}
 	// whoever acts may show another report
 	const FQVDiagnosticFinding Finding = *Rows[Row].Finding;
-	switch (Finding.ActionKind)
+	if (QVRunAction(Finding, View))
 	{
-	case EQVDiagAction::OpenFolder:
-		View.ShowFolder(Finding.ActionPath);
-		break;
-	case EQVDiagAction::OpenFile:
-		View.OpenFile(Finding.ActionPath);
-		break;
-	case EQVDiagAction::BrowseToAssets:
-		View.BrowseToAssets(Finding.ActionAssets);
-		break;
-	case EQVDiagAction::Custom:
-		if (Finding.ActionCallback())
-		{
-			Run();
-		}
-		break;
-	case EQVDiagAction::None:
-		break;
+		Run();
 	}
 }
 

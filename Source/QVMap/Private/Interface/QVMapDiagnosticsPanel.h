@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Diagnostics/QVMapDiagnosticOptions.h"
+#include "Interface/QVFindingAction.h"
 
 #include <array>
 #include <optional>
@@ -24,20 +25,15 @@ struct FQVDiagnosticsRow
 };
 
 /** What draws the panel. It asks the panel for what to draw when it is told that something has changed. */
-class IQVDiagnosticsPanelView
+class IQVDiagnosticsPanelView : public IQVFindingView
 {
 public:
-	virtual ~IQVDiagnosticsPanelView() = default;
-
 	/** Another report, or another filter. Which rows are selected has changed with them. */
 	virtual void OnRowsChanged() = 0;
 	virtual void OnSelectionChanged() = 0;
 	/** A run begins or is over; while it lasts the panel does nothing else. */
 	virtual void OnRunningChanged() = 0;
 
-	virtual void ShowFolder(const std::string& Folder) = 0;
-	virtual void OpenFile(const std::string& File) = 0;
-	virtual void BrowseToAssets(const std::vector<FQVAssetData>& Assets) = 0;
 	virtual void SetClipboard(const std::string& Text) = 0;
 };
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Interface/QVMenuEntry.h"
+#include "Engine/QVMenuEntry.h"
 #include "Workspace/QVMapScanner.h"
 
 /** The menu that switches maps, and the list of maps behind it. Game thread. */

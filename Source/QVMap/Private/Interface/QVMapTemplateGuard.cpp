@@ -14,6 +14,7 @@
 #include "Engine/QVGameThread.h"
 #include "Engine/QVPackages.h"
 #include "Engine/QVProject.h"
+#include "Engine/QVTicker.h"
 #include "Engine/QVWorld.h"
 #include "Interface/QVMapMods.h"
 #include "Interface/SQVMapNewModDialog.h"
@@ -35,9 +36,6 @@ enum class EEvent : std::uint8_t
 	Saved
 };
 
-/** A tick that comes to nothing once its ticker is let go of. */
-using FTicker = std::shared_ptr<const void>;
-
 struct FGuardState
 {
 	bool bGuardSuppressed = false;
@@ -45,8 +43,8 @@ struct FGuardState
 	FQVNameSet WarnedPackages;
 	FQVSubscription MapOpenedHandle;
 	FQVSubscription PackageSavedHandle;
-	FTicker StartupTicker;
-	FTicker PendingTicker;
+	FQVTicker StartupTicker;
+	FQVTicker PendingTicker;
 };
 
 FGuardState& State()
@@ -192,28 +190,21 @@ void ShowWarning(EEvent Event, const std::string& Path)
 	}
 }
 
-void AddTicker(FTicker& Ticker, double Period, std::function<bool()> Tick)
-{
-	Ticker = std::make_shared<const bool>();
-	FQVEngine::Get().GameThread->AddTicker(Period,
-		[Held = std::weak_ptr<const void>(Ticker), Tick = std::move(Tick)] { return !Held.expired() && Tick(); });
-}
-
 /** A dialog must not open inside a save or while a window is loading. */
 void ScheduleWarning(EEvent Event, const std::string& Path)
 {
-	if (State().PendingTicker != nullptr)
+	if (State().PendingTicker.IsSet())
 	{
 		return;
 	}
-	AddTicker(State().PendingTicker, WarningDelay,
+	State().PendingTicker = FQVTicker(WarningDelay,
 		[Event, Path]
 		{
 			if (FQVEngine::Get().Dialogs->IsModalWindowActive())
 			{
 				return true;
 			}
-			State().PendingTicker.reset();
+			State().PendingTicker.Reset();
 			ShowWarning(Event, Path);
 			return false;
 		});
@@ -259,10 +250,10 @@ void FQVMapTemplateGuard::Register()
 	FGuardState& Guard = State();
 	Guard.MapOpenedHandle = Engine.Editor->OnMapOpened(CheckOpenMap);
 	Guard.PackageSavedHandle = Engine.Packages->OnPackageSaved(CheckSave);
-	AddTicker(Guard.StartupTicker, StartupDelay,
+	Guard.StartupTicker = FQVTicker(StartupDelay,
 		[]
 		{
-			State().StartupTicker.reset();
+			State().StartupTicker.Reset();
 			CheckOpenMap();
 			return false;
 		});

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "Core/QVText.h"
+#include "Engine/QVStyleSet.h"
 
-#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -81,9 +81,6 @@ struct FQVWorkshopFont
 	bool bItalic = false;
 };
 
-/** Red, green, blue and alpha, 0 to 1. */
-using FQVWorkshopColor = std::array<float, 4>;
-
 /** What the form looks like: one scroll box with one row below the other. Sizes are in Slate's units. */
 struct FQVWorkshopForm
 {
@@ -103,8 +100,8 @@ struct FQVWorkshopForm
 	static constexpr FQVWorkshopFont LastExportFont = {9, false, true};
 
 	/** Of a warning that stands in the way of publishing, and of one that does not. */
-	static constexpr FQVWorkshopColor BlockingColor = {1.0F, 0.25F, 0.25F, 1.0F};
-	static constexpr FQVWorkshopColor WarningColor = {1.0F, 0.6F, 0.0F, 1.0F};
+	static constexpr FQVColor BlockingColor = {1.0F, 0.25F, 0.25F, 1.0F};
+	static constexpr FQVColor WarningColor = {1.0F, 0.6F, 0.0F, 1.0F};
 
 	static const std::vector<FQVWorkshopFormRow>& GetRows();
 };

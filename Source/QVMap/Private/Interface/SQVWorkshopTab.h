@@ -82,7 +82,7 @@ public:
 	/** Decoded when it is asked for, once. Null, and tried again the next time, if that fails. */
 	const FQVWorkshopBrush* GetThumbnail(const std::string& Path);
 	const FQVWorkshopImageWarning& GetScreenshotWarning() const { return ScreenshotWarning; }
-	static FQVWorkshopColor GetColor(const FQVWorkshopImageWarning& Warning);
+	static FQVColor GetColor(const FQVWorkshopImageWarning& Warning);
 	FQVText GetStartMapText() const;
 	FQVText GetStartMapTooltip() const;
 	FQVText GetLastExport() const { return LastExport; }

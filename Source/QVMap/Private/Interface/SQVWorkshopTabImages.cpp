@@ -46,7 +46,7 @@ FQVText SQVWorkshopTab::GetPreviewName() const
 	return FQVText::FromString(Config.PreviewImage.empty() ? "(none)" : FQVPath::GetCleanFilename(Config.PreviewImage));
 }
 
-FQVWorkshopColor SQVWorkshopTab::GetColor(const FQVWorkshopImageWarning& Warning)
+FQVColor SQVWorkshopTab::GetColor(const FQVWorkshopImageWarning& Warning)
 {
 	return Warning.bTooBig ? FQVWorkshopForm::BlockingColor : FQVWorkshopForm::WarningColor;
 }
