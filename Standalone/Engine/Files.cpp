@@ -76,6 +76,17 @@ std::vector<bool> DoAll(std::size_t Count, const FBody& Body)
 	return bFlushed ? std::vector<bool>(Done.begin(), Done.end()) : std::vector<bool>(Count);
 }
 
+std::vector<bool> CopyAll(std::span<const FQVFileCopy> Copies, decltype(CopyFileOver)& CopyOne)
+{
+	return DoAll(Copies.size(),
+		[Copies, &CopyOne](std::size_t Place, FFolderFlushes& Folders)
+		{
+			const FQVFileCopy& Each = Copies[Place];
+			return Succeeded(
+				CopyOne(ToOsPath(Each.To), ToOsPath(Each.From), &Folders), Each.From, "copied to " + Each.To);
+		});
+}
+
 /** The mark of a read-only file keeps nobody from deleting it here. Missing is an error. */
 std::error_code DeleteNoFolder(const fs::path& Path, FFolderFlushes* Later)
 {
@@ -234,13 +245,12 @@ bool FFiles::Copy(std::string_view To, std::string_view From)
 
 std::vector<bool> FFiles::CopyFiles(std::span<const FQVFileCopy> Copies)
 {
-	return DoAll(Copies.size(),
-		[Copies](std::size_t Place, FFolderFlushes& Folders)
-		{
-			const FQVFileCopy& Each = Copies[Place];
-			return Succeeded(
-				CopyFileOver(ToOsPath(Each.To), ToOsPath(Each.From), &Folders), Each.From, "copied to " + Each.To);
-		});
+	return CopyAll(Copies, CopyFileOver);
+}
+
+std::vector<bool> FFiles::PutFilesBack(std::span<const FQVFileCopy> Copies)
+{
+	return CopyAll(Copies, LinkOrCopyFileOver);
 }
 
 std::vector<bool> FFiles::DeleteFiles(std::span<const std::string> Paths, bool /*bEvenReadOnly*/)

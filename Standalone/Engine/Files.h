@@ -22,6 +22,7 @@ public:
 	bool Copy(std::string_view To, std::string_view From) override;
 	/** Several at once; each folder is flushed once, at the end. If that fails, all have failed. */
 	std::vector<bool> CopyFiles(std::span<const FQVFileCopy> Copies) override;
+	std::vector<bool> PutFilesBack(std::span<const FQVFileCopy> Copies) override;
 	std::vector<bool> DeleteFiles(std::span<const std::string> Paths, bool bEvenReadOnly = false) override;
 	/** One on each core. */
 	void LoadFiles(std::span<const std::string> Paths, const FReader& Reader) const override;

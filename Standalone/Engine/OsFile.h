@@ -55,6 +55,14 @@ std::error_code ReplaceFile(
 std::error_code CopyFileOver(
 	const std::filesystem::path& Target, const std::filesystem::path& Source, FFolderFlushes* Later = nullptr);
 
+/**
+ * The same without copying, where it can be: Target becomes another name of Source. So it must not matter that who
+ * changes one in place changes both. A Source that has other names already, or another owner than what stands at
+ * Target, is copied.
+ */
+std::error_code LinkOrCopyFileOver(
+	const std::filesystem::path& Target, const std::filesystem::path& Source, FFolderFlushes* Later = nullptr);
+
 /** Renames a file over another. A read-only source is refused, as it is where our users are. */
 std::error_code MoveFileOver(const std::filesystem::path& Target, const std::filesystem::path& Source);
 

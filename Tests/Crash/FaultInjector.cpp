@@ -78,6 +78,8 @@ bool FFaultInjector::Concerns(EOperation Operation, const std::string& Path, con
 	};
 	if (bChange && (IsStray(Path) || IsStray(Other)))
 	{
+		// while a power cut is played, files that are still written lie in the shadow; nobody gets past it
+		const std::lock_guard Guard(Lock);
 		Note(OutsideLetter, 0, Which.Name, Path, Other);
 	}
 	const bool bBelow = IsBelowRoot(Path) || IsBelowRoot(Other);

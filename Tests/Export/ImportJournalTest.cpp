@@ -250,6 +250,31 @@ TEST_F(FImportJournal, NothingThatSomebodyElseWroteIsLost)
 						 "a copy that was edited", "and once more, in the same second", "saved in an editor since"}));
 }
 
+TEST_F(FImportJournal, WorkAfterAHalfDoneRecoveryIsNotUndoneByTheNextOne)
+{
+	for (const bool bInPlace : {true, false})
+	{
+		Begin();
+		Write();
+		Files.Refuse = [](std::string_view Operation, std::string_view Path)
+		{ return Operation == "delete" && Path.find("_QVImported") != std::string_view::npos; };
+		EXPECT_FALSE(Recover());
+		EXPECT_EQ(Project.Read(Hall), "as it was");
+		Files.Refuse = nullptr;
+		if (!bInPlace)
+		{
+			Project.Remove(Hall);
+		}
+		Project.Write(Hall, "worked on since");
+		EXPECT_TRUE(Recover());
+		const std::vector<std::string> Kept = Project.FilesIn("Saved/QVPak/Replaced");
+		EXPECT_TRUE(Project.Read(Hall) == "worked on since" ||
+					(Kept.size() == 1 && Project.Read("Saved/QVPak/Replaced/" + Kept[0]) == "worked on since"));
+		EXPECT_FALSE(Project.Exists(Copy));
+		EXPECT_FALSE(Project.Exists(Folder));
+	}
+}
+
 TEST_F(FImportJournal, WhatCannotBeKeptIsNotReplaced)
 {
 	Write();

@@ -53,6 +53,15 @@ public:
 	{
 		return !IsRefused("copy", From) && Inner.Copy(To, From);
 	}
+	std::vector<bool> PutFilesBack(std::span<const FQVFileCopy> Copies) override
+	{
+		std::vector<bool> Done;
+		for (const FQVFileCopy& Each : Copies)
+		{
+			Done.push_back(!IsRefused("copy", Each.From) && Inner.PutFilesBack({&Each, 1}).front());
+		}
+		return Done;
+	}
 	bool LoadFileToString(std::string& OutText, std::string_view Path) const override
 	{
 		return Inner.LoadFileToString(OutText, Path);

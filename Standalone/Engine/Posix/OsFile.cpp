@@ -114,6 +114,8 @@ std::filesystem::path TemporaryBeside(const std::filesystem::path& Target)
 	return std::filesystem::path(Target) += Suffix;
 }
 
+/** Makes the file that is to take the place of another one. */
+using FMake = std::function<std::error_code(const std::filesystem::path& Temporary, const std::filesystem::path& Real)>;
 using FFill = std::function<std::error_code(int File)>;
 
 /** No error if there is no such file, or on a disk that has no marks. */
@@ -148,8 +150,30 @@ std::error_code MakeTemporary(
 	return Error ? Error : Closing;
 }
 
-std::error_code Replace(
-	const std::filesystem::path& Target, bool bEvenReadOnly, FFolderFlushes* Later, const FFill& Fill)
+/** The same without a byte written: another name for Source, whose own bytes are on the disk. */
+std::error_code LinkTemporary(
+	const std::filesystem::path& Temporary, const std::filesystem::path& Real, const std::filesystem::path& Source)
+{
+	const FDescriptor File(::open(Source.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOFOLLOW));
+	struct stat New = {};
+	struct stat Old = {};
+	if (!File.IsValid() || ::fstat(File.Get(), &New) != 0 || ::stat(Real.c_str(), &Old) != 0)
+	{
+		return LastError();
+	}
+	const bool bSameOwner = New.st_uid == Old.st_uid && New.st_gid == Old.st_gid;
+	if (!S_ISREG(New.st_mode) || New.st_nlink != 1 || !bSameOwner)
+	{
+		return std::make_error_code(std::errc::operation_not_permitted);
+	}
+	const bool bMarked = (New.st_mode & 0777) == (Old.st_mode & 0777) || ::fchmod(File.Get(), Old.st_mode & 0777) == 0;
+	// it counts as written now, like a copy: an older time could be taken for that of what was here before
+	const bool bReady = bMarked && ::fsync(File.Get()) == 0 && ::futimens(File.Get(), nullptr) == 0;
+	return bReady && ::link(Source.c_str(), Temporary.c_str()) == 0 ? std::error_code() : LastError();
+}
+
+std::error_code ReplaceBy(
+	const std::filesystem::path& Target, bool bEvenReadOnly, FFolderFlushes* Later, const FMake& Make)
 {
 	std::error_code Ignored;
 	const std::filesystem::path Real = FollowLinks(Target);
@@ -162,7 +186,7 @@ std::error_code Replace(
 		return std::make_error_code(std::errc::permission_denied);
 	}
 	const std::filesystem::path Temporary = TemporaryBeside(Real);
-	std::error_code Error = MakeTemporary(Temporary, Real, Fill);
+	std::error_code Error = Make(Temporary, Real);
 	if (!Error && ::rename(Temporary.c_str(), Real.c_str()) != 0)
 	{
 		Error = LastError();
@@ -173,6 +197,14 @@ std::error_code Replace(
 		return Error;
 	}
 	return FlushFolderOf(Real, Later);
+}
+
+std::error_code Replace(
+	const std::filesystem::path& Target, bool bEvenReadOnly, FFolderFlushes* Later, const FFill& Fill)
+{
+	const auto Make = [&Fill](const std::filesystem::path& Temporary, const std::filesystem::path& Real)
+	{ return MakeTemporary(Temporary, Real, Fill); };
+	return ReplaceBy(Target, bEvenReadOnly, Later, Make);
 }
 } // namespace
 
@@ -206,6 +238,14 @@ std::error_code CopyFileOver(
 	const std::filesystem::path& Target, const std::filesystem::path& Source, FFolderFlushes* Later)
 {
 	return Replace(Target, true, Later, [&Source](int File) { return AppendFile(File, Source); });
+}
+
+std::error_code LinkOrCopyFileOver(
+	const std::filesystem::path& Target, const std::filesystem::path& Source, FFolderFlushes* Later)
+{
+	const auto Link = [&Source](const std::filesystem::path& Temporary, const std::filesystem::path& Real)
+	{ return LinkTemporary(Temporary, Real, Source); };
+	return ReplaceBy(Target, true, Later, Link) ? CopyFileOver(Target, Source, Later) : std::error_code();
 }
 
 std::error_code MoveFileOver(const std::filesystem::path& Target, const std::filesystem::path& Source)

@@ -78,6 +78,11 @@ public:
 		}
 		return Done;
 	}
+	/**
+	 * For a From that nobody changes any more and that goes once all are back: until then an engine may let it and To
+	 * be one file of two names, so that no bytes are copied.
+	 */
+	virtual std::vector<bool> PutFilesBack(std::span<const FQVFileCopy> Copies) { return CopyFiles(Copies); }
 	/** One that is not there succeeds. */
 	virtual std::vector<bool> DeleteFiles(std::span<const std::string> Paths, bool bEvenReadOnly = false)
 	{

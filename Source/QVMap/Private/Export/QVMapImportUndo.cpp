@@ -90,7 +90,7 @@ std::vector<const FQVImportBackup*> FQVMapImportUndo::PutBack(std::span<const FQ
 			Failed.push_back(Backup);
 		}
 	}
-	const std::vector<bool> bCopied = Files().CopyFiles(Copies);
+	const std::vector<bool> bCopied = Files().PutFilesBack(Copies);
 	for (std::size_t Place = 0; Place < Tried.size(); ++Place)
 	{
 		if (!bCopied[Place])
