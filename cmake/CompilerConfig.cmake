@@ -15,6 +15,25 @@ if(QVMAP_SANITIZE)
   add_link_options(-fsanitize=${QVMAP_SANITIZE})
 endif()
 
+if(WIN32)
+  add_compile_definitions(_WIN32_WINNT=0x0A00 WINVER=0x0A00)
+  if(MINGW)
+    enable_language(RC)
+  endif()
+endif()
+
+# Has a program take UTF-8 and paths of any length where the system asks for that in the program's manifest.
+function(qvmap_program Name)
+  set(Folder "${CMAKE_SOURCE_DIR}/Standalone/Engine/Windows")
+  if(MINGW)
+    target_sources(${Name} PRIVATE "${Folder}/Program.rc")
+    set_source_files_properties("${Folder}/Program.rc" TARGET_DIRECTORY ${Name}
+      PROPERTIES OBJECT_DEPENDS "${Folder}/Program.manifest")
+  elseif(WIN32)
+    target_sources(${Name} PRIVATE "${Folder}/Program.manifest")
+  endif()
+endfunction()
+
 find_program(QVMAP_CCACHE ccache)
 if(QVMAP_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${QVMAP_CCACHE}")

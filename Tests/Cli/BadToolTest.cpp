@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Tests/Cli/CliTest.h"
 
+#include "Tests/Support/TestPrograms.h"
+
 #include <algorithm>
 #include <random>
 
@@ -115,7 +117,7 @@ TEST_F(FBadTool, ADiskThatIsFullWhilePackingIsLeftWithoutAHalfPak)
 	Project.ScriptEditorCmd(Cook);
 	const std::filesystem::path Tool = Project.EngineDir() + "/Binaries/Win64/UnrealPak.exe";
 	std::filesystem::remove(Tool);
-	std::filesystem::create_symlink(QVMAP_TEST_BIN "/Engine/Binaries/Win64/UnrealPak.exe", Tool);
+	PlaceProgram("Engine/Binaries/Win64/UnrealPak.exe", Tool);
 
 	const FTree Before = Snapshot(Folder);
 	Project.Write("Saved/QVPak/Output/Cave_0badcafe.pak", "old");

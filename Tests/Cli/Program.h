@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -45,11 +46,16 @@ public:
 	FProgram(const FProgram&) = delete;
 	FProgram& operator=(const FProgram&) = delete;
 
+	/** On Windows any is what Ctrl-Break is. */
 	void Signal(int Number) const;
 	/** Until it ends; after two minutes it is killed. */
 	FProgramEnd Wait();
 
 private:
+#ifdef _WIN32
+	struct FRunning;
+	std::unique_ptr<FRunning> Running;
+#else
 	pid_t Id = -1;
 	int Out = -1;
 	int Err = -1;
@@ -57,5 +63,6 @@ private:
 	int Lifeline = -1;
 
 	void RunChild(const FProgramStart& Start, int OutEnd, int ErrEnd) const;
+#endif
 };
 } // namespace QVTest

@@ -8,6 +8,8 @@
 
 namespace QVCli
 {
+void PrepareTerminal() {}
+
 bool IsTerminal()
 {
 	const char* Kind = std::getenv("TERM");
@@ -19,5 +21,11 @@ std::size_t TerminalWidth()
 	winsize Size = {};
 	const bool bKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &Size) == 0 && Size.ws_col > 0;
 	return bKnown ? Size.ws_col : 80;
+}
+
+void PutText(std::FILE* Stream, std::string_view Text)
+{
+	std::fwrite(Text.data(), 1, Text.size(), Stream);
+	std::fflush(Stream);
 }
 } // namespace QVCli
