@@ -2,12 +2,16 @@
 find_package(Threads REQUIRED)
 
 add_library(QVMapWarnings INTERFACE)
+if(MSVC)
+  target_compile_options(QVMapWarnings INTERFACE /W4 /utf-8 /permissive- /Zc:preprocessor)
+else()
 target_compile_options(QVMapWarnings INTERFACE
   -Wall -Wextra -Wpedantic -Werror
   -Wshadow                # a shadowed name reads as another variable
   -Wconversion            # sizes come from files: every narrowing is to be seen
   -Wno-sign-conversion    # ... but signed sizes meet unsigned containers everywhere
   -Wnon-virtual-dtor -Woverloaded-virtual -Wold-style-cast -Wimplicit-fallthrough)
+endif()
 
 if(QVMAP_SANITIZE)
   add_compile_options(-fsanitize=${QVMAP_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
