@@ -3,9 +3,11 @@
 #include "Standalone/Formats/Base/Unicode.h"
 #include "Tests/Formats/PakTestSupport.h"
 
-#include <csignal>
 #include <gtest/gtest.h>
+#ifndef _WIN32
+#include <csignal>
 #include <sys/resource.h>
+#endif
 
 namespace QVTest
 {
@@ -368,6 +370,7 @@ TEST(PakWriter, FailuresLeaveTheOldPakAndNothingElse)
 			"nothing writes to it");
 	EXPECT_EQ(WritePak(Input.Temp.Path() / "None" / "M.pak", Input.Sources).Error().Message,
 		PathText(Input.Temp.Path()) + "/None/M.pak could not be created: No such file or directory");
+#ifndef _WIN32 // which has no such limits
 	rlimit Old = {};
 	::getrlimit(RLIMIT_FSIZE, &Old);
 	const rlimit Small = {500000, Old.rlim_max};
@@ -375,6 +378,7 @@ TEST(PakWriter, FailuresLeaveTheOldPakAndNothingElse)
 	::setrlimit(RLIMIT_FSIZE, &Small);
 	EXPECT_EQ(Error(Good), PathText(Input.Target()) + " could not be written: File too large");
 	::setrlimit(RLIMIT_FSIZE, &Old);
+#endif
 	EXPECT_EQ(ReadBytes(Input.Target()), BytesOf("old pak"));
 	EXPECT_EQ(std::distance(fs::directory_iterator(Input.Temp.Path()), {}), 2);
 }

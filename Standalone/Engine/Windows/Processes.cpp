@@ -28,10 +28,13 @@ struct FPipe
 	FWinHandle ReadEnd;
 	FWinHandle WriteEnd;
 	std::string Tail;
+	/** What comes now is the last, whoever else may hold the pipe open. */
+	bool bChildEnded = false;
 };
 
 struct FChild
 {
+	std::weak_ptr<FPipe> Output;
 	FSpawned Process;
 	std::string Name;
 	bool bRunning = true;
@@ -52,6 +55,10 @@ FChild& ChildOf(const FQVProcHandle& Process)
 void RecordEnd(FChild& Child)
 {
 	Child.bRunning = false;
+	if (const std::shared_ptr<FPipe> Output = Child.Output.lock())
+	{
+		Output->bChildEnded = true;
+	}
 	::GetExitCodeProcess(Child.Process.Process.Get(), &Child.Code);
 	if (Child.bEndedByUs)
 	{
@@ -131,6 +138,7 @@ FQVProcHandle FProcesses::CreateProc(std::string_view Program, std::string_view 
 	std::shared_ptr<FChild> Child = StartChild(std::string(Program), Arguments, Options);
 	if (Child != nullptr)
 	{
+		Child->Output = std::static_pointer_cast<FPipe>(Output.Impl);
 		Pipe.WriteEnd.Close(); // the child has its own; without ours, the pipe ends when the child does
 	}
 	return {std::move(Child)};
@@ -166,7 +174,7 @@ std::string FProcesses::ReadPipe(FQVPipe& Handle)
 	FPipe& Pipe = PipeOf(Handle);
 	std::string Text = std::move(Pipe.Tail);
 	Pipe.Tail.clear();
-	if (Pipe.ReadEnd.IsValid() && ReadSome(Pipe.ReadEnd.Get(), Text))
+	if (Pipe.ReadEnd.IsValid() && ReadSome(Pipe.ReadEnd.Get(), Text) && !Pipe.bChildEnded)
 	{
 		const std::size_t Keep = FQVUnicode::IncompleteTail(Text);
 		Pipe.Tail = Text.substr(Text.size() - Keep);

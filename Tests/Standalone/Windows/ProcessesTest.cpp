@@ -118,6 +118,7 @@ TEST_F(Processes, AProgramThatCannotStartGivesNoHandleAndAReason)
 TEST_F(Processes, AnInterruptEndsTheChildWithAllThatItStartedAndStartsNoOther)
 {
 	FQVProcHandle Process = Start(MakeChild("grandchild 300000\nprint ready\nsleep 300000"));
+	ASSERT_TRUE(Process.IsValid()) << FQVString::Join(Files.Logged(Log), "\n");
 	std::string Output;
 	ReadUntil(Output, "ready\n");
 	EXPECT_TRUE(Real.IsProcRunning(Process));

@@ -36,7 +36,8 @@ void Listen(const std::string& Path)
 
 std::string ReceiveMessage()
 {
-	if (!::ConnectNamedPipe(Listener.Get(), nullptr) && ::GetLastError() != ERROR_PIPE_CONNECTED)
+	if (!::ConnectNamedPipe(Listener.Get(), nullptr) && ::GetLastError() != ERROR_PIPE_CONNECTED &&
+		::GetLastError() != ERROR_NO_DATA)
 	{
 		throw std::runtime_error("nobody came: " + LastWinError().message());
 	}
