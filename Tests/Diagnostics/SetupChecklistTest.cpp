@@ -50,8 +50,7 @@ TEST_F(FSetupChecklist, FromNothingToReady)
 	EXPECT_FALSE(FQVMapSetupChecklist::ShouldShowAtStart(Findings));
 	FQVMapConfig::SetShowSetupOnStartup(true);
 
-	QVTest::PlaceTestChild(
-		QVStandalone::ToOsPath(Project.EngineDir() + "/Binaries/Win64/UnrealEditor-Cmd.exe"));
+	QVTest::PlaceTestChild(QVStandalone::ToOsPath(Project.EngineDir() + "/Binaries/Win64/UnrealEditor-Cmd.exe"));
 	Project.AddBaseRelease();
 	Project.AddMod("Cave", {"Maps/Hall", "Gate"});
 	Findings = FQVMapSetupChecklist::Evaluate({});

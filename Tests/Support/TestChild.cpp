@@ -158,6 +158,13 @@ void ListFiles(const fs::path& Folder, const fs::path& Out)
 	WriteFile(Out, Text);
 }
 
+/** In two steps: not every standard library replaces a file. */
+void CopyOver(const fs::path& From, const fs::path& To)
+{
+	fs::remove(To);
+	fs::copy_file(From, To);
+}
+
 void ListArguments(const fs::path& Out)
 {
 	std::string Text;
@@ -198,7 +205,7 @@ constexpr FCommand Commands[] = {
 	{"sleep", [](const FRest& Rest) { Sleep(Rest.Number); }},
 	{"wait", [](const FRest& Rest) { WaitFor(PathOf(Rest.Text)); }},
 	{"write", [](const FRest& Rest) { WriteWithLineEnds(Rest.First, Rest.Second); }},
-	{"copy", [](const FRest& Rest) { fs::copy_file(PathOf(Rest.First), PathOf(Rest.Second), fs::copy_options::overwrite_existing); }},
+	{"copy", [](const FRest& Rest) { CopyOver(PathOf(Rest.First), PathOf(Rest.Second)); }},
 	{"remove", [](const FRest& Rest) { fs::remove_all(PathOf(Rest.Text)); }},
 	{"arguments", [](const FRest& Rest) { ListArguments(PathOf(Rest.Text)); }},
 	{"list", [](const FRest& Rest) { ListFiles(PathOf(Rest.First), PathOf(Rest.Second)); }},

@@ -144,7 +144,8 @@ bool FDisk::MakeFolder(const fs::path& Folder, std::error_code& OutError)
 	{
 		OutError.clear();
 	}
-	else if (OutError == std::errc::no_such_file_or_directory && IsFile(Folder.parent_path()))
+	else if (OutError == std::errc::file_exists ||
+			 (OutError == std::errc::no_such_file_or_directory && IsFile(Folder.parent_path())))
 	{
 		OutError = std::make_error_code(std::errc::not_a_directory);
 	}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Formats/Base/OutputFile.h"
 
+#include "Standalone/Formats/Base/Disk.h"
 #include "Standalone/Formats/Base/PathText.h"
 #include "Standalone/Formats/Windows/Win32.h"
 
@@ -62,7 +63,9 @@ TResult<FOutputFile> FOutputFile::Create(const std::filesystem::path& Target)
 			break;
 		}
 	}
-	return Failed(Target, "created", LastWinError());
+	const std::error_code Error = LastWinError();
+	const bool bFileOnTheWay = FDisk::IsFile(Target.parent_path());
+	return Failed(Target, "created", bFileOnTheWay ? std::make_error_code(std::errc::not_a_directory) : Error);
 }
 
 FOutputFile::FOutputFile(std::intptr_t InHandle, std::filesystem::path InTarget, std::filesystem::path InTemporary)

@@ -229,6 +229,10 @@ std::error_code RenameOver(const std::filesystem::path& From, const std::filesys
 	const std::wstring Target = WidePath(To);
 	const DWORD OldMarks = ::GetFileAttributesW(Target.c_str());
 	const bool bThere = OldMarks != INVALID_FILE_ATTRIBUTES;
+	if (bThere && (OldMarks & FILE_ATTRIBUTE_DIRECTORY) != 0)
+	{
+		return std::make_error_code(std::errc::is_a_directory);
+	}
 	if (bThere && (OldMarks & FILE_ATTRIBUTE_READONLY) != 0)
 	{
 		if (!bEvenReadOnly)
@@ -247,7 +251,7 @@ std::error_code RenameOver(const std::filesystem::path& From, const std::filesys
 			return {};
 		}
 		Code = ::GetLastError();
-		if (!MayPassSoon(Code) || (bThere && (OldMarks & FILE_ATTRIBUTE_DIRECTORY) != 0))
+		if (!MayPassSoon(Code))
 		{
 			break;
 		}

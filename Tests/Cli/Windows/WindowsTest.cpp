@@ -57,8 +57,8 @@ TEST_F(FOnWindows, APakThatTheGameHasOpenStaysAndTheLogTellsSo)
 	ASSERT_EQ(Paks().size(), 1);
 	const fs::path Old = Paks()[0];
 	{
-		const FWinHandle Game(::CreateFileW(
-			WidePath(Old).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
+		const FWinHandle Game(
+			::CreateFileW(WidePath(Old).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
 		ASSERT_TRUE(Game.IsValid());
 		Put("Plugins/Harbor/Content/note.txt", "so that the next pak is another one");
 		const FProgramEnd End = Run({"-v", "pack", "Harbor"});
@@ -88,15 +88,19 @@ TEST_F(FOnWindows, AModOfAnyNameAndAReadOnlyDescriptorArePacked)
 	::SetFileAttributesW(WidePath(Descriptor).c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
-TEST_F(FOnWindows, AModFolderOfAnyLettersIsScannedAndPacked)
+TEST_F(FOnWindows, AModFolderOfAnyLettersIsFoundAndNamed)
 {
 	EnterSample();
-	fs::rename(Folder / "Plugins/Harbor", Folder / fs::path(u8"Plugins/Zoë 東京"));
-	const FProgramEnd Maps = Run({"maps"});
-	EXPECT_EQ(Maps.Code, 0) << Maps.Err;
-	EXPECT_NE(Maps.Out.find("Harbor"), std::string::npos);
+	const fs::path Mod = Folder / fs::path(u8"Plugins/Zoë 東京");
+	fs::rename(Folder / "Plugins/Harbor", Mod);
+	fs::rename(Mod / "Harbor.uplugin", Mod / fs::path(u8"Zoë 東京.uplugin"));
+	Expect({"maps"}, 0,
+		"Cave  (1 map)\n  /Cave/Maps/Hall\nZoë 東京  (2 maps)\n  /Zoë 東京/Maps/Docks\n  /Zoë 東京/Maps/Pier\n", "");
 	BuildRelease();
-	const FProgramEnd Pack = Run({"pack", "Harbor"});
-	EXPECT_EQ(Pack.Code, 0) << Pack.Err;
-	EXPECT_EQ(Paks().size(), 1);
+	const FProgramEnd Pack = Run({"-q", "pack", "Zoë 東京"});
+	EXPECT_EQ(Pack.Code, 1);
+	EXPECT_NE(
+		Pack.Err.find("Plugins/Zoë 東京/Content/Meshes/Boat.uasset has \" \" in its name, which no package may have"),
+		std::string::npos)
+		<< Pack.Err;
 }

@@ -28,14 +28,11 @@ struct Files : testing::Test
 	/** Open as a game opens its paks: others may read, nothing else. */
 	FWinHandle Hold(const char* Path) const
 	{
-		return FWinHandle(::CreateFileW(WidePath(Disk.OsPath(Path)).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-			OPEN_EXISTING, 0, nullptr));
+		return FWinHandle(::CreateFileW(
+			WidePath(Disk.OsPath(Path)).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
 	}
 	FLines Logged() { return Disk.Logged(Log); }
-	static std::string InUse()
-	{
-		return WinError(ERROR_SHARING_VIOLATION).message();
-	}
+	static std::string InUse() { return WinError(ERROR_SHARING_VIOLATION).message(); }
 };
 } // namespace
 
@@ -107,7 +104,8 @@ TEST_F(Files, APakThatTheGameHasOpenIsReadButStays)
 	EXPECT_TRUE(Real.LoadFileToArray(Bytes, Disk("Cave.pak")));
 	EXPECT_FALSE(Real.DeleteFile(Disk("Cave.pak")));
 	EXPECT_FALSE(Real.Move(Disk("Cave.pak"), Disk("new.pak")));
-	EXPECT_EQ(Logged(), (FLines{"Cave.pak could not be deleted: " + InUse(), "new.pak could not be renamed: " + InUse()}));
+	EXPECT_EQ(
+		Logged(), (FLines{"Cave.pak could not be deleted: " + InUse(), "new.pak could not be renamed: " + InUse()}));
 	EXPECT_EQ(Disk.Get("Cave.pak"), "pak");
 }
 
@@ -142,7 +140,7 @@ TEST_F(Files, APathOfThreeHundredLettersIsLikeAnyOther)
 			return true;
 		});
 	EXPECT_EQ(Seen, (FLines{File, File + ".moved"}));
-	const auto Walk = QVStandalone::WalkPackageFiles({{"/Game/", Disk("") + "/"}}, [] { return false; });
+	const auto Walk = QVStandalone::WalkPackageFiles({{"/Game/", Disk("")}}, [] { return false; });
 	ASSERT_EQ(Walk.Files.size(), 1);
 	EXPECT_EQ(Walk.PathOf(Walk.Files[0]), File);
 	EXPECT_EQ(Walk.Files[0].File.Size, 10);
@@ -158,8 +156,7 @@ TEST_F(Files, EitherSlashEitherCaseAndAnyLettersNameTheSameFile)
 	Swapped[0] = static_cast<char>(Swapped[0] ^ 0x20); // the drive's letter
 	ASSERT_EQ(File[1], ':');
 	std::string Backslashes = FQVString::ReplaceAll(File, "/", "\\");
-	for (const std::string& Name :
-		{Swapped, Backslashes, FQVString::ReplaceAll(File, "Maps/Hall", "mAPS/hALL")})
+	for (const std::string& Name : {Swapped, Backslashes, FQVString::ReplaceAll(File, "Maps/Hall", "mAPS/hALL")})
 	{
 		EXPECT_TRUE(Real.FileExists(Name)) << Name;
 		EXPECT_EQ(Real.FileSize(Name), 1) << Name;

@@ -32,8 +32,7 @@ struct FRecordedBuild
 std::string Find(const FTestFiles& Files, const std::string& Association)
 {
 	FEngineSearch Search;
-	Search.ProjectFile =
-		Files.Put("My Maps/My Maps.uproject", R"({"EngineAssociation": ")" + Association + R"("})");
+	Search.ProjectFile = Files.Put("My Maps/My Maps.uproject", R"({"EngineAssociation": ")" + Association + R"("})");
 	return Files.Mask(FindEngine(Search).EngineDir);
 }
 } // namespace

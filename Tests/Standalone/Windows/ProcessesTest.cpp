@@ -143,8 +143,8 @@ TEST_F(Processes, NothingOfOursIsInheritedButThePipe)
 	ReadUntil(Output, "ready\n");
 	Held.Close();
 	// shared with nobody: it opens only if the child does not hold it
-	const QVFormats::FWinHandle Again(::CreateFileW(QVFormats::WidePath(Files.OsPath("held.txt")).c_str(), GENERIC_READ,
-		0, nullptr, OPEN_EXISTING, 0, nullptr));
+	const QVFormats::FWinHandle Again(::CreateFileW(
+		QVFormats::WidePath(Files.OsPath("held.txt")).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr));
 	EXPECT_TRUE(Again.IsValid());
 	Files.Put("go", "");
 	EXPECT_EQ(Watch(Process).Code, 0);

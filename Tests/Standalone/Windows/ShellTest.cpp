@@ -130,7 +130,6 @@ TEST_F(GameLaunch, ARunningGameGetsEachRequestByItsPipe)
 	const FGamePipe Game(R"(\\.\pipe\QUARVEL_PakLoader)");
 	std::future<std::string> Received = std::async(std::launch::async, [&Game] { return Game.Receive(); });
 	FQVMapPlaytest::LaunchGameWithPak("Cave", R"(C:\Höhle 1\Cave.pak)", "Hall", "/Game/Cave/Maps/Hall");
-	EXPECT_EQ(Received.get(),
-		"quarvel://loadmap?pak=C:/H%C3%B6hle%201/Cave.pak&map=Hall&mapname=/Game/Cave/Maps/Hall");
+	EXPECT_EQ(Received.get(), "quarvel://loadmap?pak=C:/H%C3%B6hle%201/Cave.pak&map=Hall&mapname=/Game/Cave/Maps/Hall");
 	EXPECT_EQ(Logged(), "QVMap: Sent to running game via named pipe\n");
 }
