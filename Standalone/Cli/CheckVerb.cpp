@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: MIT
-#include "Core/QVPath.h"
 #include "Core/QVString.h"
 #include "Diagnostics/QVMapDiagnostics.h"
-#include "Engine/QVFiles.h"
 #include "Engine/QVWorld.h"
 #include "Standalone/Cli/CheckReport.h"
+#include "Standalone/Cli/MapChoice.h"
 #include "Standalone/Cli/ProgressTasks.h"
 #include "Standalone/Cli/RegistryScan.h"
-#include "Standalone/Cli/Session.h"
 #include "Standalone/Cli/TypedPath.h"
 #include "Standalone/Engine/Interrupt.h"
 #include "Standalone/EngineTools/RawFile.h"
 #include "Workspace/QVMapPaths.h"
-#include "Workspace/QVMapScanner.h"
 
 #include <span>
 
@@ -31,83 +28,14 @@ struct FCheckOptions
 	std::string Sublevels = "all";
 };
 
-/** The map to check: its mod, and its package if there is one to open. */
-struct FTarget
-{
-	std::string Mod;
-	std::string Map;
-};
-
-std::vector<FTarget> ListTargets()
-{
-	std::vector<FTarget> Targets;
-	for (const FQVModInfo& Mod : FQVMapScanner::ScanMods().Mods)
-	{
-		for (const FQVMapInfo& Map : Mod.Maps)
-		{
-			Targets.push_back({Mod.Name, Map.CookPath});
-		}
-	}
-	return Targets;
-}
-
-bool IsCalled(const FTarget& Target, std::string_view Name)
-{
-	return FQVString::EqualsIgnoreCase(Target.Mod, Name) || FQVString::EqualsIgnoreCase(Target.Map, Name) ||
-		   FQVString::EqualsIgnoreCase("/Game" + Target.Map, Name) ||
-		   FQVString::EqualsIgnoreCase(FQVPath::GetCleanFilename(Target.Map), Name);
-}
-
-/** A plugin that holds no map, or whose descriptor is not there: no mod to others, but here that is the finding. */
-bool FindBarePlugin(std::string_view Name, FTarget& Out)
-{
-	const std::string Folder = FQVPath::Combine(FQVMapPaths::GetPluginsDir(), Name);
-	const bool bPlain = !Name.empty() && Name.find_first_of("/\\.") == std::string_view::npos;
-	Out = {std::string(Name), {}};
-	return bPlain && FQVEngine::Get().Files->DirectoryExists(Folder);
-}
-
-void TellChoice(FConsole& Console, const FCheckOptions& Options, const std::vector<FTarget>& Candidates)
-{
-	Console.Fail(Options.Map.empty()
-					 ? QVPrintf("the project has %d maps: name one", Candidates.size())
-					 : QVPrintf("'%s' has %d maps: name one by its package", Options.Map, Candidates.size()));
-	for (const FTarget& Each : Candidates)
-	{
-		Console.Say("  qvmap check " + Each.Map);
-	}
-}
-
-/** False, with the reason told, if it is not clear which map is meant. No map at all is a target too. */
-bool ChooseTarget(FSession& Session, const FCheckOptions& Options, FTarget& Out)
-{
-	std::vector<FTarget> Candidates = ListTargets();
-	if (!Options.Map.empty())
-	{
-		std::erase_if(Candidates, [&](const FTarget& Each) { return !IsCalled(Each, Options.Map); });
-	}
-	if (Candidates.size() > 1)
-	{
-		TellChoice(Session.Console, Options, Candidates);
-		return false;
-	}
-	if (Candidates.size() == 1)
-	{
-		Out = Candidates.front();
-		return true;
-	}
-	std::string Unknown = Options.Map;
-	return Options.Map.empty() || FindBarePlugin(Options.Map, Out) || ResolveMod(Session, Unknown);
-}
-
 /** The map as the editor's open world; what stands in the way becomes a finding. */
-const IQVWorld* OpenMap(FSession& Session, const FTarget& Target, bool bSublevels, FQVDiagnosticFindings& Findings)
+const IQVWorld* OpenMap(FSession& Session, const FMapChoice& Target, bool bSublevels, FQVDiagnosticFindings& Findings)
 {
-	if (Target.Map.empty())
+	if (Target.Package.empty())
 	{
 		return nullptr;
 	}
-	const FStatus Opened = Session.Engine.OpenMap(Target.Map, {bSublevels});
+	const FStatus Opened = Session.Engine.OpenMap(Target.Package, {bSublevels});
 	if (!Opened)
 	{
 		Findings.push_back(FQVDiagnosticModel::MakeFinding(EQVDiagCategory::ModContent, EQVDiagSeverity::Error,
@@ -120,7 +48,7 @@ const IQVWorld* OpenMap(FSession& Session, const FTarget& Target, bool bSublevel
 	return FQVEngine::Get().Editor->GetOpenWorld();
 }
 
-FCheckReport RunCheck(FSession& Session, const FTarget& Target, bool bSublevels)
+FCheckReport RunCheck(FSession& Session, const FMapChoice& Target, bool bSublevels)
 {
 	FProgressTasks Tasks(Session.Console, "checking");
 	Session.Engine.Interfaces.SlowTasks = &Tasks;
@@ -128,7 +56,7 @@ FCheckReport RunCheck(FSession& Session, const FTarget& Target, bool bSublevels)
 	FQVDiagnosticOptions Options = FQVDiagnosticOptions::Everything();
 	Options.ModName = Target.Mod;
 	Options.World = OpenMap(Session, Target, bSublevels, Findings);
-	FCheckReport Report{FQVMapDiagnostics::RunDiagnostics(Options), Target.Map, {}};
+	FCheckReport Report{FQVMapDiagnostics::RunDiagnostics(Options), Target.Package, {}};
 	Session.Engine.Interfaces.SlowTasks = nullptr;
 	Report.Report.Findings.insert(Report.Report.Findings.end(), Findings.begin(), Findings.end());
 	const std::string Repository = FindRepository(FQVMapPaths::GetProjectDir());
@@ -172,8 +100,8 @@ FStatus Deliver(FConsole& Console, const FCheckOptions& Options, std::string_vie
 EExitCode Check(FCommandLine& Line, const FCheckOptions& Options)
 {
 	const std::unique_ptr<FSession> Session = FSession::Open(Line);
-	FTarget Target;
-	if (Session == nullptr || !ChooseTarget(*Session, Options, Target) || !ScanRegistryOnce(*Session))
+	FMapChoice Target;
+	if (Session == nullptr || !ChooseMap(*Session, "check", Options.Map, Target) || !ScanRegistryOnce(*Session))
 	{
 		return EExitCode::Failed;
 	}

@@ -44,8 +44,12 @@ void AddBaseReleaseVerb(FCommandLine& Line);
 void AddCheckVerb(FCommandLine& Line);
 void AddInspectVerb(FCommandLine& Line);
 void AddMapsVerb(FCommandLine& Line);
+void AddNewVerb(FCommandLine& Line);
+void AddOpenVerb(FCommandLine& Line);
 void AddPackVerb(FCommandLine& Line);
 void AddPakVerb(FCommandLine& Line);
+void AddPlayVerb(FCommandLine& Line);
+void AddPublishVerb(FCommandLine& Line);
 void AddRecoverVerb(FCommandLine& Line);
 void AddRedirectorsVerb(FCommandLine& Line);
 void AddReferencesVerb(FCommandLine& Line);
@@ -53,4 +57,5 @@ void AddSampleVerb(FCommandLine& Line);
 void AddSettingsVerb(FCommandLine& Line);
 void AddSetupVerb(FCommandLine& Line);
 void AddUpdateVerb(FCommandLine& Line);
+void AddWorkshopVerb(FCommandLine& Line);
 } // namespace QVCli

@@ -15,16 +15,29 @@ namespace
 constexpr std::size_t MostCauses = 6;
 constexpr std::string_view EraseLine = "\r\x1b[K";
 
-/** A log line as a person reads it. */
+/** A log line as a person reads it. What is also shown has another heading there. */
 std::string_view WithoutPrefix(std::string_view Text)
 {
-	constexpr std::string_view Prefix = "QVMap: ";
-	return Text.starts_with(Prefix) ? Text.substr(Prefix.size()) : Text;
+	constexpr std::string_view Prefixes[] = {
+		"QVMap: ", "Export failed: ", "Could not bring outside content in: ", "Base release build failed: "};
+	for (const std::string_view Prefix : Prefixes)
+	{
+		Text.remove_prefix(Text.starts_with(Prefix) ? Prefix.size() : 0);
+	}
+	return Text;
 }
 
 std::string JoinParagraphs(std::string_view Text)
 {
 	return FQVString::ReplaceAll(Text, "\n\n", " ");
+}
+
+/** What holds all of another message says it, too. */
+bool IsTold(const std::string& Cause, const std::vector<std::string>& Shown)
+{
+	return std::any_of(Shown.begin(), Shown.end(),
+		[&Cause](const std::string& Before)
+		{ return Before.find(Cause) != std::string::npos || Cause.find(Before) != std::string::npos; });
 }
 
 std::string OneLine(std::string_view Text)
@@ -113,6 +126,12 @@ void FConsole::Say(std::string_view Text)
 	}
 }
 
+void FConsole::Tell(std::string_view Text)
+{
+	const std::lock_guard Guard(Lock);
+	Line(Text);
+}
+
 void FConsole::Warn(std::string_view Text)
 {
 	const std::lock_guard Guard(Lock);
@@ -125,14 +144,14 @@ void FConsole::Fail(std::string_view Message, const std::vector<std::string>& To
 	const std::string Told = JoinParagraphs(Message);
 	FirstFailure = FirstFailure.empty() ? Told : FirstFailure;
 	Line("error: " + Told);
-	std::size_t Shown = 0;
+	std::vector<std::string> Shown = {Told};
 	for (const std::string& Each : KeptBack)
 	{
 		const std::string Cause = JoinParagraphs(Each);
-		const bool bSame = Told.find(Cause) != std::string::npos || Cause.find(Told) != std::string::npos;
-		if (!bSame && Shown++ < MostCauses)
+		if (!IsTold(Cause, Shown) && Shown.size() <= MostCauses)
 		{
 			Line("  cause: " + Cause);
+			Shown.push_back(Cause);
 		}
 	}
 	KeptBack.clear();

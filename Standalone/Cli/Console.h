@@ -50,6 +50,8 @@ public:
 
 	/** A line for the user that is no result; not said when quiet. */
 	void Say(std::string_view Line);
+	/** What has to be read, also when quiet. */
+	void Tell(std::string_view Line);
 	void Warn(std::string_view Text);
 	/** The failure with its causes: what was kept back, and a tool's last lines. */
 	void Fail(std::string_view Message, const std::vector<std::string>& ToolLines = {});

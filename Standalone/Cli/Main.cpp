@@ -60,10 +60,15 @@ EExitCode ReportWrongUse(FCommandLine& Line, const CLI::ParseError& Error)
 
 void AddVerbs(FCommandLine& Line)
 {
+	AddNewVerb(Line);
 	AddMapsVerb(Line);
+	AddOpenVerb(Line);
 	AddCheckVerb(Line);
 	AddBaseReleaseVerb(Line);
 	AddPackVerb(Line);
+	AddPlayVerb(Line);
+	AddPublishVerb(Line);
+	AddWorkshopVerb(Line);
 	AddReferencesVerb(Line);
 	AddRedirectorsVerb(Line);
 	AddRecoverVerb(Line);

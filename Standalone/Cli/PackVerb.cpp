@@ -1,101 +1,58 @@
 // SPDX-License-Identifier: MIT
-#include "Content/QVMapDependencyAnalyzer.h"
-#include "Core/QVPath.h"
 #include "Core/QVString.h"
 #include "Core/QVText.h"
-#include "Export/QVMapImportPaths.h"
-#include "Export/QVMapImportScope.h"
 #include "Export/QVMapLastExport.h"
-#include "Export/QVMapPipeline.h"
-#include "Standalone/Cli/NearestWord.h"
+#include "HandOff/QVMapPlaytest.h"
+#include "Standalone/Cli/LaunchWatch.h"
+#include "Standalone/Cli/MapFlow.h"
 #include "Standalone/Cli/PackDryRun.h"
-#include "Standalone/Cli/ProgressTasks.h"
 #include "Standalone/Cli/RegistryScan.h"
-#include "Standalone/Cli/Session.h"
 #include "Standalone/Cli/StandInNote.h"
-#include "Workspace/QVMapConfig.h"
-#include "Workspace/QVMapPaths.h"
+
+#include <optional>
 
 namespace QVCli
 {
 namespace
 {
-constexpr std::int32_t ExportVersion = 1;
-
 struct FPackOptions
 {
-	std::string Mod;
-	std::string StartMap;
-	/** The mod that was probably meant, if there is none of that name. */
-	std::string NearestMod;
-	/** The project has that mod. */
-	bool bKnown = false;
+	std::string Map;
+	FAnswers Answers;
 	bool bDryRun = false;
+	/** The game is started when the pak is done. */
+	bool bPlay = false;
 };
 
-/** The map's game path, from its name, package name or game path; empty if the mod has no such map. */
-std::string ResolveStartMap(const FQVModInfo& Mod, std::string_view Wanted)
+/** One pack and what came of it. */
+struct FPackEnd
 {
-	for (const FQVMapInfo& Map : Mod.Maps)
-	{
-		for (const std::string& Name : {Map.Name, Map.CookPath, Map.GamePath})
-		{
-			if (FQVString::EqualsIgnoreCase(Name, Wanted))
-			{
-				return Map.GamePath;
-			}
-		}
-	}
-	return {};
-}
+	FMapChoice Map;
+	FFlowEnd Flow;
+	/** Set if the pak may be used. */
+	std::optional<FQVExportResult> Result;
+	/** Empty if no export was begun. */
+	FQVLastExportRecord Record;
+	/** By which way the game was reached; empty if it was not to be. */
+	std::string GameWay;
 
-std::vector<std::string> ModNames(const FQVScanResult& Scan)
-{
-	std::vector<std::string> Names;
-	for (const FQVModInfo& Mod : Scan.Mods)
-	{
-		Names.push_back(Mod.Name);
-	}
-	return Names;
-}
+	/** Empty if there is none. */
+	const std::string& PakPath() const { return Result ? Result->PakPath : Record.PakPath; }
+};
 
-/** Turns what the user typed into what the export takes; false, with the error told, if that cannot be. */
-bool ResolveArguments(FConsole& Console, FPackOptions& Options)
+FQVJson ToJson(const FPackEnd& End)
 {
-	const FQVScanResult Scan = FQVMapScanner::ScanMods();
-	const FQVModInfo* Mod = Scan.Find(Options.Mod);
-	if (Mod == nullptr)
-	{
-		// what exactly is wrong with it, the export says better; a likely typing mistake is for us to see
-		Options.NearestMod = NearestWord(Options.Mod, ModNames(Scan));
-		return true;
-	}
-	Options.bKnown = true;
-	Options.Mod = Mod->Name;
-	if (Options.StartMap.empty())
-	{
-		return true;
-	}
-	const std::string StartMap = ResolveStartMap(*Mod, Options.StartMap);
-	if (StartMap.empty())
-	{
-		Console.Fail(QVPrintf("%s has no map '%s': see qvmap maps", Mod->Name, Options.StartMap));
-		return false;
-	}
-	Options.StartMap = StartMap;
-	return true;
-}
-
-FQVJson ToJson(const FPackOptions& Options, const FQVExportResult& Result, const FQVLastExportRecord& Record)
-{
-	const FQVPakContentSummary& Content = Result.Content;
+	const FQVPakContentSummary Content = End.Result ? End.Result->Content : FQVPakContentSummary();
+	const FQVLastExportRecord& Record = End.Record;
 	return FQVJson::Object()
 		.Set("schema_version", 1)
-		.Set("mod", Options.Mod)
-		.Set("success", Result.bSuccess)
+		.Set("mod", End.Map.Mod)
+		.Set("map", End.Map.Package)
+		.Set("success", End.Result.has_value())
+		.Set("stopped_at", End.Flow.StoppedAt)
 		.Set("failed_stage", Record.FailedStage)
-		.Set("error", Result.ErrorMessage)
-		.Set("pak", Result.PakPath)
+		.Set("error", Record.ErrorMessage.empty() ? End.Flow.Failure : Record.ErrorMessage)
+		.Set("pak", End.PakPath())
 		.Set("pak_bytes", Content.PakBytes)
 		.Set("files", Content.FileCount)
 		.Set("map_files", Content.MapFiles)
@@ -104,184 +61,118 @@ FQVJson ToJson(const FPackOptions& Options, const FQVExportResult& Result, const
 		.Set("filter_unused_active", Record.bFilterUnusedActive)
 		.Set("files_skipped", Record.FilesSkipped)
 		.Set("unpackable_files", FQVJson::Array(Content.UnpackableFiles))
-		.Set("log", Record.LogPath);
+		.Set("log", Record.LogPath)
+		.Set("project_put_back", End.Flow.bPutBack)
+		.Set("game", End.GameWay);
 }
 
-void PrintText(FConsole& Console, const FQVExportResult& Result, const FQVLastExportRecord& Record)
+void PrintText(FConsole& Console, const FPackEnd& End)
 {
-	Console.Result(QVPrintf("pak  %s", Result.PakPath));
-	Console.Result(QVPrintf("     %s", Result.Content.Describe()));
-	if (Record.bFilterUnusedActive)
+	Console.Result(QVPrintf("pak  %s", End.PakPath()));
+	if (End.Result)
 	{
-		Console.Result(QVPrintf("     %d file(s) that no map uses were left out", Record.FilesSkipped));
+		Console.Result(QVPrintf("     %s", End.Result->Content.Describe()));
 	}
-	Console.Result(QVPrintf("log  %s", Record.LogPath.empty() ? "(could not be written)" : Record.LogPath));
-}
-
-/** The record of this run; an empty one if it could not be written, since then an older run's lies in its place. */
-FQVLastExportRecord ReadRecord(const FQVExportResult& Result)
-{
-	FQVLastExportRecord Record;
-	const bool bOfThisRun = FQVMapLastExport::ReadLastExportRecord(Record) && Record.bSuccess == Result.bSuccess &&
-							Record.ErrorMessage == Result.ErrorMessage && Record.PakPath == Result.PakPath;
-	return bOfThisRun ? Record : FQVLastExportRecord();
-}
-
-void TellFailure(FSession& Session, const FPackOptions& Options, const std::string& Error)
-{
-	const bool bOfBaseRelease = Error.find("Build Base Release") != std::string::npos;
-	// the last paragraph tells of a menu, which there is none of here
-	Session.TellFailure(bOfBaseRelease ? Error.substr(0, Error.rfind("\n\n")) : Error);
-	if (bOfBaseRelease)
+	if (End.Record.bFilterUnusedActive)
 	{
-		Session.Console.Say("  fix: qvmap base-release build");
+		Console.Result(QVPrintf("     %d file(s) that no map uses were left out", End.Record.FilesSkipped));
 	}
-	if (!Options.NearestMod.empty())
+	if (End.Record.bSuccess)
 	{
-		Session.Console.Say(QVPrintf("  did you mean '%s'?", Options.NearestMod));
+		Console.Result(QVPrintf("log  %s", End.Record.LogPath.empty() ? "(could not be written)" : End.Record.LogPath));
 	}
 }
 
-/** What the export is to keep; empty for all. What a package that cannot be read refers to is not known. */
-FQVNameSet FindUsedPackages(FSession& Session, const std::string& Mod)
+/** The record that this run has written; an empty one if it has written none, or another mod's run did so after it. */
+FQVLastExportRecord ReadNewRecord(const FQVLastExportRecord& Before, const std::string& Mod)
 {
-	const std::string Content = FQVPath::Combine(FQVMapPaths::GetPluginsDir(), Mod, "Content/");
-	for (const QVStandalone::FUnreadablePackage& Unreadable : Session.Engine.GetAssetRegistry().GetUnreadable())
-	{
-		if (FQVString::StartsWithIgnoreCase(Unreadable.File, Content))
-		{
-			Session.Console.Warn(
-				QVPrintf("nothing is left out of the pak, since it is not known what this refers to: %s %s",
-					Unreadable.File, Unreadable.Reason));
-			return {};
-		}
-	}
-	return FQVMapDependencyAnalyzer::GatherUsedPackages(Mod);
+	FQVLastExportRecord Now;
+	FQVMapLastExport::ReadLastExportRecord(Now);
+	const bool bNew = Now.Timestamp != Before.Timestamp || Now.PakPath != Before.PakPath;
+	return bNew && FQVString::EqualsIgnoreCase(Now.PluginName, Mod) ? Now : FQVLastExportRecord();
 }
 
-/** What the mod needs for the length of the pack: nobody else at it, and what it uses from elsewhere. */
-class FPackPreparation
+FPackEnd RunPack(FSession& Session, const FMapChoice& Map, const FPackOptions& Options)
 {
-public:
-	/** False, with the reason told, if it cannot be had. */
-	bool Prepare(FSession& Session, const std::string& Mod)
+	FPackEnd End{Map, {}, {}, {}, {}};
+	FQVLastExportRecord Before;
+	FQVMapLastExport::ReadLastExportRecord(Before);
+	const FLaunchWatch Game(Session);
+	FQVPlayRequest Request{Map.Mod, Map.Name(), Map.GamePath(), Options.bPlay, {}};
+	Request.OnComplete = [&End](const FQVExportResult& Result) { End.Result = Result; };
+	End.Flow = RunFlow(Session, Map, Options.Answers, [&Request] { FQVMapPlaytest::RunExport(Request); });
+	End.Record = ReadNewRecord(Before, Map.Mod);
+	if (Options.bPlay && End.Result)
 	{
-		// without a base release there will be no pack, which the export says
-		if (!FQVMapConfig::GetImportExternalAssets() || !FQVMapPaths::IsBaseReleaseValid())
-		{
-			Lock = FQVMapPackLock(Mod);
-			return Lock.IsHeld() || Refuse(Session, Lock.GetObstacle());
-		}
-		FProgressTasks Tasks(Session.Console, "importing");
-		Session.Engine.Interfaces.SlowTasks = &Tasks;
-		Import.emplace(Mod);
-		Session.Engine.Interfaces.SlowTasks = nullptr;
-		return Import->GetResult().bSuccess || Refuse(Session, Import->GetResult().ErrorMessage);
+		End.GameWay = Game.GetWay();
+		End.Flow.Failure = Game.Tell() ? std::string() : "the game was not started";
 	}
-
-	/** The project is as it was again. False, with where to find the originals told, if it is not. */
-	bool Finish(FSession& Session, const std::string& Mod)
-	{
-		Import.reset();
-		const std::string Journal = FQVMapImportPaths::GetJournalFolder(Mod);
-		if (!Session.Engine.Interfaces.Files->FileExists(FQVMapImportPaths::GetManifestPath(Mod)))
-		{
-			return true;
-		}
-		Session.Console.Fail(
-			QVPrintf("%s could not be put back as it was. Its original files are in %s", Mod, Journal));
-		Session.Console.Say("  fix: qvmap recover");
-		return false;
-	}
-
-private:
-	FQVMapPackLock Lock;
-	std::optional<FQVImportScope> Import;
-
-	static bool Refuse(FSession& Session, const std::string& Reason)
-	{
-		QVLog(EQVLogVerbosity::Error, "QVMap: Could not bring outside content in: %s", Reason);
-		Session.TellFailure(Reason);
-		return false;
-	}
-};
-
-EExitCode TellUnknown(FSession& Session, const FPackOptions& Options)
-{
-	TellFailure(Session, Options, QVPrintf("there is no mod '%s': see qvmap maps", Options.Mod));
-	return EExitCode::Failed;
+	return End;
 }
 
-EExitCode Pack(FCommandLine& Line, FPackOptions Options)
+EExitCode Pack(FCommandLine& Line, const FPackOptions& Options)
 {
 	const std::unique_ptr<FSession> Session = FSession::Open(Line);
-	if (Session == nullptr || !ResolveArguments(Session->Console, Options))
+	FMapChoice Map;
+	if (Session == nullptr || !ChooseMap(*Session, Options.bPlay ? "play" : "pack", Options.Map, Map))
 	{
 		return EExitCode::Failed;
 	}
-	FConsole& Console = Session->Console;
-	const bool bKnown = Options.bKnown;
-	const bool bAsksRegistry =
-		Options.bDryRun || FQVMapConfig::GetImportExternalAssets() || FQVMapConfig::GetFilterUnusedAssets();
-	FPackPreparation Preparation;
-	FQVNameSet UsedPackages;
-	if (bKnown && bAsksRegistry && !ScanRegistry(*Session))
+	if (const std::string Obstacle = DescribeUnpackable(Map); !Obstacle.empty())
 	{
+		Session->TellFailure(Obstacle);
 		return EExitCode::Failed;
 	}
 	if (Options.bDryRun)
 	{
-		return bKnown ? TellImportPlan(*Session, Options.Mod, Line.Options.bJson) : TellUnknown(*Session, Options);
+		return ScanRegistry(*Session) ? TellImportPlan(*Session, Map.Mod, Line.Options.bJson) : EExitCode::Failed;
 	}
-	if (bKnown && !Preparation.Prepare(*Session, Options.Mod))
+	const FPackEnd End = RunPack(*Session, Map, Options);
+	FConsole& Console = Session->Console;
+	if (End.Result)
 	{
-		return EExitCode::Failed;
+		Console.Succeed();
+		SayIfStandIn(*Session);
 	}
-	if (bKnown && FQVMapConfig::GetFilterUnusedAssets())
-	{
-		UsedPackages = FindUsedPackages(*Session, Options.Mod);
-	}
-	FQVExportResult Result;
-	const FQVExportProgress Progress([&Console](std::string_view Stage, float Fraction, std::string_view Message)
-		{ Console.Progress(Stage, Fraction, Message); });
-	Session->RunBlocking([&]
-		{ Result = FQVMapPipeline::ExportMod(Options.Mod, ExportVersion, UsedPackages, Progress, Options.StartMap); });
-
-	const bool bWhole = !bKnown || Preparation.Finish(*Session, Options.Mod);
-	const FQVLastExportRecord Record = ReadRecord(Result);
 	if (Line.Options.bJson)
 	{
-		Console.Document(ToJson(Options, Result, Record).Set("project_put_back", bWhole));
+		Console.Document(ToJson(End));
 	}
-	if (!Result.bSuccess)
+	else if (End.Result || End.Record.bSuccess)
 	{
-		TellFailure(*Session, Options, Result.ErrorMessage);
-		return EExitCode::Failed;
+		PrintText(Console, End);
 	}
-	Console.Succeed();
-	if (Result.Content.HasProblem())
-	{
-		Console.Warn("the pak may not work:\n" + Result.Content.DescribeProblems());
-	}
-	SayIfStandIn(*Session);
-	if (!Line.Options.bJson)
-	{
-		PrintText(Console, Result, Record);
-	}
-	return bWhole ? EExitCode::Done : EExitCode::Failed;
+	const bool bPlayed = !Options.bPlay || End.Flow.Failure.empty();
+	return End.Flow.Code(End.Result && bPlayed);
+}
+
+CLI::App* AddFlowVerb(FCommandLine& Line, const std::string& Name, const std::string& Description,
+	const std::shared_ptr<FPackOptions>& Options)
+{
+	CLI::App* Verb =
+		Line.AddVerb(Line.App, Name, Description, QVPrintf("qvmap %s Hall --answer PreflightTitle=PackAnyway", Name),
+			[&Line, Options] { return Pack(Line, *Options); });
+	Verb->add_option(
+			"map", Options->Map, "The map that the game starts with, or a mod with one map (default: the only one)")
+		->type_name("MAP");
+	AddAnswers(*Verb, Options->Answers);
+	Line.AddFormat(*Verb);
+	return Verb;
 }
 } // namespace
 
 void AddPackVerb(FCommandLine& Line)
 {
 	const auto Options = std::make_shared<FPackOptions>();
-	CLI::App* Verb = Line.AddVerb(Line.App, "pack", "Cooks a mod and packs it into one .pak", "qvmap pack Harbor",
-		[&Line, Options] { return Pack(Line, *Options); });
-	Verb->add_option("mod", Options->Mod, "The mod: a folder's name below Plugins")->required()->type_name("MOD");
-	Verb->add_option("--start-map", Options->StartMap, "The map that the game starts with, one of the mod's")
-		->type_name("MAP");
-	Verb->add_flag("--dry-run", Options->bDryRun,
-		"Only say what the pack would bring in from elsewhere in the project and what it would change meanwhile");
-	Line.AddFormat(*Verb);
+	AddFlowVerb(Line, "pack", "Checks a map, cooks its mod and packs it into one .pak", Options)
+		->add_flag("--dry-run", Options->bDryRun,
+			"Only say what the pack would bring in from elsewhere in the project and what it would change meanwhile");
+}
+
+void AddPlayVerb(FCommandLine& Line)
+{
+	const auto Options = std::make_shared<FPackOptions>();
+	Options->bPlay = true;
+	AddFlowVerb(Line, "play", "Packs a map and starts the game with it", Options);
 }
 } // namespace QVCli

@@ -6,6 +6,7 @@
 #include "Core/QVPrintf.h"
 #include "Standalone/Engine/Files.h"
 #include "Standalone/EngineTools/RawFile.h"
+#include "Standalone/Formats/Package/LevelPackages.h"
 #include "Standalone/Formats/Package/SamplePackages.h"
 
 #include <span>
@@ -169,11 +170,11 @@ private:
 
 	void WriteMap(const FSampleMap& Map)
 	{
-		FWorldPackageSpec Spec;
+		FLevelPackageSpec Spec;
 		Spec.PackageName = Map.PackageName;
-		Spec.bPlayerStart = true;
-		Spec.HardReferences.push_back(Reference(Map.Mesh, "StaticMesh"));
-		Write(FileOf(Map.PackageName, ".umap"), BuildWorldPackage(Spec));
+		Spec.Actors = PlayableActors();
+		Spec.Meshes.emplace_back(Map.Mesh);
+		Write(FileOf(Map.PackageName, ".umap"), BuildLevelPackage(Spec));
 	}
 };
 

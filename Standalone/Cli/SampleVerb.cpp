@@ -17,7 +17,7 @@ EExitCode WriteSample(FCommandLine& Line, const std::string& TypedFolder)
 		return EExitCode::Failed;
 	}
 	Line.Console.Result(QVPrintf("project  %s", *ProjectFile));
-	Line.Console.Say(QVPrintf("  next: cd \"%s\", then qvmap maps, qvmap base-release build, qvmap pack Harbor",
+	Line.Console.Say(QVPrintf("  next: cd \"%s\", then qvmap maps, qvmap base-release build, qvmap pack Docks",
 		FQVPath::GetPath(*ProjectFile)));
 	return EExitCode::Done;
 }

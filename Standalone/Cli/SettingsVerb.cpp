@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Core/QVString.h"
 #include "Engine/QVFiles.h"
-#include "Engine/QVJsonReader.h"
+#include "Standalone/Cli/JsonFileProblem.h"
 #include "Standalone/Cli/NearestWord.h"
 #include "Standalone/Cli/Session.h"
 #include "Standalone/Cli/TextColumns.h"
@@ -20,30 +20,10 @@ struct FSettingsOptions
 	bool bAll = false;
 };
 
-/** What is wrong with the settings file; empty if it is missing or good. The toolkit itself would fall back to
- * defaults. */
-std::string SettingsFileProblem()
-{
-	std::string Text;
-	std::string Error;
-	FQVJson Json;
-	const std::string Path = FQVMapConfig::GetConfigPath();
-	const FQVEngine& Engine = FQVEngine::Get();
-	if (!Engine.Files->FileExists(Path) || !Engine.Files->LoadFileToString(Text, Path))
-	{
-		return {};
-	}
-	if (!Engine.JsonReader->Parse(Text, Json, Error))
-	{
-		return QVPrintf("%s: %s", Path, Error);
-	}
-	return Json.IsObject() ? std::string() : QVPrintf("%s: expected a JSON object", Path);
-}
-
 std::unique_ptr<FSession> OpenWithGoodFile(FCommandLine& Line)
 {
 	std::unique_ptr<FSession> Session = FSession::Open(Line);
-	const std::string Problem = Session != nullptr ? SettingsFileProblem() : std::string();
+	const std::string Problem = Session != nullptr ? JsonFileProblem(FQVMapConfig::GetConfigPath()) : std::string();
 	if (!Problem.empty())
 	{
 		Session->Console.Fail(Problem);

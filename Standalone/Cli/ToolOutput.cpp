@@ -25,6 +25,17 @@ FQVProcHandle FToolOutput::CreateProc(std::string_view Program, std::string_view
 	return Inner.CreateProc(Program, Arguments, Output);
 }
 
+FQVProcHandle FToolOutput::CreateDetachedProc(
+	std::string_view Program, std::string_view Arguments, std::string_view WorkingDirectory)
+{
+	FQVProcHandle Process = Inner.CreateDetachedProc(Program, Arguments, WorkingDirectory);
+	if (Process.IsValid())
+	{
+		Detached = Program;
+	}
+	return Process;
+}
+
 bool FToolOutput::GetProcReturnCode(FQVProcHandle& Process, int& OutCode)
 {
 	const bool bEnded = Inner.GetProcReturnCode(Process, OutCode);

@@ -23,13 +23,13 @@ public:
 	/** What the last child ended with; 0 while there was none. */
 	int LastCode() const { return Code; }
 
+	/** The program that was last started to live on without us; empty if none was. */
+	const std::string& GetDetached() const { return Detached; }
+
 	FQVPipe CreatePipe() override { return Inner.CreatePipe(); }
 	FQVProcHandle CreateProc(std::string_view Program, std::string_view Arguments, const FQVPipe& Output) override;
 	FQVProcHandle CreateDetachedProc(
-		std::string_view Program, std::string_view Arguments, std::string_view WorkingDirectory) override
-	{
-		return Inner.CreateDetachedProc(Program, Arguments, WorkingDirectory);
-	}
+		std::string_view Program, std::string_view Arguments, std::string_view WorkingDirectory) override;
 	bool IsProcRunning(FQVProcHandle& Process) override { return Inner.IsProcRunning(Process); }
 	std::string ReadPipe(FQVPipe& Pipe) override;
 	bool GetProcReturnCode(FQVProcHandle& Process, int& OutCode) override;
@@ -40,6 +40,7 @@ public:
 private:
 	IQVProcesses& Inner;
 	std::string Tail;
+	std::string Detached;
 	int Code = 0;
 };
 } // namespace QVCli

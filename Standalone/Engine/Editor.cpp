@@ -30,6 +30,16 @@ void FEditor::SetOpenWorld(std::unique_ptr<FWorld> NewWorld, FReadWorld ReadAgai
 	Blueprint.reset();
 	World = NewWorld != nullptr ? std::make_unique<FEditorWorld>(std::move(NewWorld)) : nullptr;
 	ReadWorld = std::move(ReadAgain);
+	if (World != nullptr)
+	{
+		MapOpened.Broadcast();
+	}
+}
+
+bool FEditor::SaveLevelAs(const IQVLevel&, std::string&)
+{
+	LogEngine(EQVLogVerbosity::Warning, "There is no window to ask for a place to save the level in");
+	return false;
 }
 
 IQVBlueprint* FEditor::GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& OutRefusal)
@@ -50,13 +60,21 @@ IQVBlueprint* FEditor::GetLevelScriptBlueprint(const IQVLevel& Level, FQVText& O
 			Why, Name));
 		return nullptr;
 	}
-	Blueprint = std::make_unique<FLevelScriptBlueprint>(std::move(*Opened), [this, File] { RenewWorld(File); });
+	Blueprint = std::make_unique<FLevelScriptBlueprint>(std::move(*Opened),
+		[this, File]
+		{
+			FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles({&File, 1});
+			RenewOpenWorld();
+		});
 	return Blueprint.get();
 }
 
-void FEditor::RenewWorld(const std::string& File)
+void FEditor::RenewOpenWorld()
 {
-	FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles({&File, 1});
+	if (World == nullptr)
+	{
+		return;
+	}
 	auto Reading = ReadWorld();
 	if (!Reading)
 	{

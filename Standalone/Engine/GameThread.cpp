@@ -21,15 +21,34 @@ FGameThread::FGameThread()
 
 FGameThread::~FGameThread()
 {
-	RunUntil(
-		[this]
-		{
-			const std::lock_guard Guard(Lock);
-			return DedicatedRunning == 0 && Posted.empty();
-		});
-	for (std::thread& Thread : Dedicated)
+	RunUntil([this] { return !HasDedicated(); });
+}
+
+bool FGameThread::HasDedicated()
+{
+	JoinEnded();
+	const std::lock_guard Guard(Lock);
+	return !Dedicated.empty() || !Posted.empty();
+}
+
+/** Each is waited for as soon as it has ended: a long session starts many, and must not keep them. */
+void FGameThread::JoinEnded()
+{
+	std::list<FDedicated> Ended;
 	{
-		Thread.join();
+		const std::lock_guard Guard(Lock);
+		for (auto Each = Dedicated.begin(); Each != Dedicated.end();)
+		{
+			const auto Current = Each++;
+			if (Current->bEnded)
+			{
+				Ended.splice(Ended.end(), Dedicated, Current);
+			}
+		}
+	}
+	for (FDedicated& Each : Ended)
+	{
+		Each.Thread.join();
 	}
 }
 
@@ -80,14 +99,15 @@ void FGameThread::AddTicker(double Period, std::function<bool()> Tick)
 void FGameThread::RunOnDedicatedThread(std::function<void()> Work)
 {
 	QV_CHECK(IsInGameThread());
+	JoinEnded();
 	const std::lock_guard Guard(Lock);
-	++DedicatedRunning;
-	Dedicated.emplace_back(
-		[this, Work = std::move(Work)]
+	FDedicated& Own = Dedicated.emplace_back();
+	Own.Thread = std::thread(
+		[this, &Own, Work = std::move(Work)]
 		{
 			Work();
 			const std::lock_guard EndGuard(Lock);
-			--DedicatedRunning;
+			Own.bEnded = true;
 			Wake.notify_all();
 		});
 }
@@ -175,5 +195,10 @@ void FGameThread::RunDedicatedUntilDone(std::function<void()> Work)
 			Post([] {}); // wakes the game thread at once
 		});
 	RunUntil([&bDone] { return bDone.load(); });
+}
+
+void FGameThread::RunUntilIdle()
+{
+	RunUntil([this] { return Tickers.empty() && !HasDedicated(); });
 }
 } // namespace QVStandalone

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <deque>
+#include <list>
 #include <mutex>
 #include <thread>
 #include <vector>
@@ -31,6 +32,8 @@ public:
 	void RunUntil(const std::function<bool()>& Done);
 	/** Game thread. Runs the work on a dedicated thread, and posted work and tickers here until it has ended. */
 	void RunDedicatedUntilDone(std::function<void()> Work);
+	/** Game thread. Until there is nothing left that could happen: no ticker, no posted work, no dedicated thread. */
+	void RunUntilIdle();
 
 private:
 	using FTime = std::chrono::steady_clock::time_point;
@@ -42,15 +45,23 @@ private:
 		std::function<bool()> Tick;
 	};
 
+	struct FDedicated
+	{
+		std::thread Thread;
+		/** It does nothing more that the lock guards. */
+		bool bEnded = false;
+	};
+
 	const std::thread::id GameThreadId;
 	std::mutex Lock;
 	std::condition_variable Wake;
 	std::deque<std::function<void()>> Posted;
-	std::size_t DedicatedRunning = 0;
-	std::vector<std::thread> Dedicated;
+	std::list<FDedicated> Dedicated;
 	std::vector<FTicker> Tickers; // touched by the game thread only
 
 	void Post(std::function<void()> Work);
+	void JoinEnded();
+	bool HasDedicated();
 	bool RunOnePosted();
 	bool TakeDueTicker(FTime Now, FTicker& Out);
 	void RunDueTickers();

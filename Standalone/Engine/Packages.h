@@ -49,6 +49,10 @@ public:
 	/** Fails where a reference would stay on the old package. */
 	EQVSaveResult SavePackage(FQVName Package, std::string_view File, bool bWorld) override;
 	std::vector<EQVSaveResult> SavePackages(std::span<const FQVPackageToSave> Saves) override;
+	FQVSubscription OnPackageSaved(std::function<void(FQVName Package)> Handler) override
+	{
+		return PackageSaved.Subscribe(std::move(Handler));
+	}
 	/** Forgets them. */
 	void ReloadPackages(std::span<const FQVName> Packages, std::string& OutMessage) override;
 	/** Forgets them. */
@@ -56,13 +60,20 @@ public:
 
 	/** Called with the files that were saved, once for all when no package is dirty any more. */
 	std::function<void(std::span<const std::string> Files)> OnSaved;
+	/** Called when packages were read anew from their files. */
+	std::function<void()> OnReloaded;
 
 	/** The long package name that a file's place gives it; false if it lies below no mount point. */
 	bool TryConvertFilenameToLongPackageName(std::string_view File, std::string& OutPackageName) const;
-	/** The full path of the file that holds a package, whichever extension it has; empty if there is none. */
-	std::string FindPackageFile(std::string_view PackageName) const;
+	/** The full path of the file that holds a package, whichever extension it has, the preferred one first; empty if
+	 * there is none. */
+	std::string FindPackageFile(std::string_view PackageName, std::string_view Preferred = AssetPackageExtension) const;
 	/** `/Game` first, then `/Engine`, then the plugins. */
 	std::vector<FMountPoint> GetMountPoints() const;
+	/** Of a world: whether actors or other objects of it lie in files of their own. */
+	bool HasExternalObjects(std::string_view World) const;
+	/** A package that somebody else has saved. */
+	void TellOfNew(FQVName Package, const std::string& File);
 
 private:
 	FQVName FindDestination(std::span<const QVFormats::FPackageTag> Tags) const;
@@ -73,9 +84,9 @@ private:
 	FLoadedPackages InMemory;
 	/** Not yet told of. */
 	std::vector<std::string> SavedFiles;
+	TQVEvent<FQVName> PackageSaved;
 
 	std::string WhatPreventsCopy(const FQVAssetData& Asset, FQVName NewPackage);
-	bool HasExternalObjects(std::string_view World) const;
 	std::vector<std::pair<std::string, std::string>> ObjectsOf(const FQVAssetReplacement& Replacement) const;
 	void Forget(std::span<const FQVName> Packages);
 	EQVSaveResult NoteSaved(const FQVPackageToSave& Save, const QVFormats::TResult<std::string>& Saved);

@@ -247,13 +247,25 @@ EQVSaveResult FPackages::NoteSaved(const FQVPackageToSave& Save, const TResult<s
 	FLoadedPackage& Loaded = *InMemory.Find(Save.Package);
 	Loaded = {Save.Package, Save.File, {}, Loaded.bWorld, false};
 	SavedFiles.push_back(Save.File);
+	PackageSaved.Broadcast(Save.Package);
 	return EQVSaveResult::Success;
+}
+
+void FPackages::TellOfNew(FQVName Package, const std::string& File)
+{
+	SavedFiles.push_back(File);
+	PackageSaved.Broadcast(Package);
+	TellOfSaved();
 }
 
 void FPackages::ReloadPackages(std::span<const FQVName> Packages, std::string& OutMessage)
 {
 	OutMessage.clear();
 	Forget(Packages);
+	if (OnReloaded)
+	{
+		OnReloaded();
+	}
 }
 
 void FPackages::DeleteAssets(std::span<const FQVName> Packages)

@@ -2,13 +2,17 @@
 #include "Standalone/Engine/Plugins.h"
 
 #include "Core/QVPath.h"
+#include "Core/QVPrintf.h"
 #include "Core/QVString.h"
+#include "Core/QVUnicode.h"
 #include "Standalone/Engine/Descriptor.h"
 #include "Standalone/Engine/Files.h"
 #include "Standalone/Engine/OsPath.h"
+#include "Standalone/Engine/PluginCreation.h"
 #include "Standalone/Formats/Base/Disk.h"
 
 #include <algorithm>
+#include <cwctype>
 #include <set>
 
 namespace QVStandalone
@@ -116,6 +120,29 @@ std::vector<FQVPluginInfo> Discover(const std::string& ProjectFile, const std::s
 	ApplyProjectList(ProjectFile, Plugins);
 	return Plugins;
 }
+/** Empty if the engine takes the name. Which letters are letters is the C library's matter. */
+std::string WhatIsWrongWith(std::string_view Name)
+{
+	const std::u16string Units = FQVUnicode::ToUtf16(Name);
+	if (Units.empty())
+	{
+		return "A plugin needs a name.";
+	}
+	if (std::iswalpha(static_cast<std::wint_t>(Units.front())) == 0)
+	{
+		return QVPrintf("The name of a plugin begins with a letter: '%s' does not.", Name);
+	}
+	const bool bGood = std::ranges::all_of(Units, [](char16_t Unit)
+		{ return std::iswalnum(static_cast<std::wint_t>(Unit)) != 0 || Unit == u'_' || Unit == u'-'; });
+	return bGood ? std::string()
+				 : QVPrintf("The name of a plugin has letters, digits, underscores and hyphens only: '%s' has others.",
+					   Name);
+}
+
+bool IsAtOrBelow(std::string_view Folder, const std::string& Root)
+{
+	return Folder == Root || Folder.starts_with(Root + "/");
+}
 } // namespace
 
 FPlugins::FPlugins(std::string InProjectFile, std::string InEngineDir)
@@ -126,8 +153,12 @@ FPlugins::FPlugins(std::string InProjectFile, std::string InEngineDir)
 
 const std::vector<FQVPluginInfo>& FPlugins::GetDiscovered() const
 {
-	std::call_once(Once, [this] { Discovered = Discover(ProjectFile, EngineDir); });
-	return Discovered;
+	const std::lock_guard Guard(Lock);
+	if (Discovered.empty())
+	{
+		Discovered.push_back(Discover(ProjectFile, EngineDir));
+	}
+	return Discovered.back();
 }
 
 std::optional<FQVPluginInfo> FPlugins::FindPlugin(std::string_view Name) const
@@ -136,5 +167,48 @@ std::optional<FQVPluginInfo> FPlugins::FindPlugin(std::string_view Name) const
 	const auto Found = std::find_if(Plugins.begin(), Plugins.end(),
 		[Name](const FQVPluginInfo& Plugin) { return FQVString::EqualsIgnoreCase(Plugin.Name, Name); });
 	return Found != Plugins.end() ? std::optional(*Found) : std::nullopt;
+}
+
+bool FPlugins::ValidateNewPluginNameAndLocation(
+	std::string_view Name, std::string_view Location, FQVText& OutFailReason) const
+{
+	std::string Why = WhatIsWrongWith(Name);
+	const std::string ProjectPlugins = FQVPath::Combine(FQVPath::GetPath(ProjectFile), "Plugins");
+	if (const std::optional<FQVPluginInfo> Known = FindPlugin(Name); Why.empty() && Known)
+	{
+		Why = QVPrintf("There is a plugin '%s' already: %s.", Known->Name, Known->DescriptorPath);
+	}
+	if (Why.empty() && !IsAtOrBelow(Location, ProjectPlugins) &&
+		!IsAtOrBelow(Location, FQVPath::Combine(EngineDir, "Plugins")))
+	{
+		Why = QVPrintf("Plugins are not looked for in %s: they go below %s.", Location, ProjectPlugins);
+	}
+	OutFailReason = Why.empty() ? OutFailReason : FQVText::FromString(Why);
+	return Why.empty();
+}
+
+std::optional<FQVPluginInfo> FPlugins::CreateAndLoadNewPlugin(const FQVNewPlugin& Plugin, FQVText& OutFailReason)
+{
+	if (!ValidateNewPluginNameAndLocation(Plugin.Name, Plugin.Location, OutFailReason))
+	{
+		return std::nullopt;
+	}
+	std::vector<FQVPluginInfo> Grown = GetDiscovered();
+	const QVFormats::TResult<FQVPluginInfo> New = CreatePluginFolder(Plugin);
+	if (!New)
+	{
+		OutFailReason = FQVText::FromString(New.Error().Message);
+		return std::nullopt;
+	}
+	Grown.push_back(*New);
+	{
+		const std::lock_guard Guard(Lock);
+		Discovered.push_back(std::move(Grown));
+	}
+	if (OnMounted)
+	{
+		OnMounted(*New);
+	}
+	return *New;
 }
 } // namespace QVStandalone

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/StandaloneEngine.h"
 
+#include "Core/QVPath.h"
+
 #include <clocale>
 
 namespace QVStandalone
@@ -10,12 +12,21 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	, Plugins(ProjectFile, EngineDir)
 	, Packages(Project.ProjectDir(), EngineDir, Plugins)
 	, Classes(Packages, Plugins)
+	, LevelEditor(Packages, [this](std::string_view PackageName) { return OpenMap(PackageName); })
 	, AssetRegistry(Project.ProjectDir(), Packages, GameThread)
 	, AssetTools(AssetRegistry, Packages, Project.ProjectDir())
 {
 	// which letters are letters must not depend on the user's settings; numbers keep their point
 	std::setlocale(LC_CTYPE, "C.UTF-8");
-	Packages.OnSaved = [this](std::span<const std::string> Saved) { AssetRegistry.ScanModifiedAssetFiles(Saved); };
+	Packages.OnSaved = [this](std::span<const std::string> Saved)
+	{
+		AssetRegistry.ScanModifiedAssetFiles(Saved);
+		Editor.RenewOpenWorld();
+	};
+	Packages.OnReloaded = [this] { Editor.RenewOpenWorld(); };
+	Editor.SetLevelEditor(&LevelEditor);
+	Plugins.OnMounted = [this](const FQVPluginInfo& New)
+	{ AssetRegistry.ScanPathsSynchronous(FQVPath::Combine(New.BaseDir, "Content") + "/"); };
 	Interfaces.AssetRegistry = &AssetRegistry;
 	Interfaces.AssetTools = &AssetTools;
 	Interfaces.Classes = &Classes;
@@ -25,6 +36,7 @@ FStandaloneEngine::FStandaloneEngine(const std::string& ProjectFile, const std::
 	Interfaces.Files = &Files;
 	Interfaces.GameThread = &GameThread;
 	Interfaces.Http = &Http;
+	Interfaces.Images = &Images;
 	Interfaces.JsonReader = &JsonReader;
 	Interfaces.Packages = &Packages;
 	Interfaces.Plugins = &Plugins;

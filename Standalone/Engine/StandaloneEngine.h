@@ -10,7 +10,9 @@
 #include "Standalone/Engine/Files.h"
 #include "Standalone/Engine/GameThread.h"
 #include "Standalone/Engine/Http.h"
+#include "Standalone/Engine/Images.h"
 #include "Standalone/Engine/JsonReader.h"
+#include "Standalone/Engine/LevelEditor.h"
 #include "Standalone/Engine/NoDialogs.h"
 #include "Standalone/Engine/Packages.h"
 #include "Standalone/Engine/Plugins.h"
@@ -37,8 +39,9 @@ public:
 	/** No scan has been started: whoever asks it starts one. */
 	FAssetRegistry& GetAssetRegistry() { return AssetRegistry; }
 	FAssetTools& GetAssetTools() { return AssetTools; }
+	FEditor& GetEditor() { return Editor; }
 	FGameThread& GetGameThread() { return GameThread; }
-	const FPackages& GetPackages() const { return Packages; }
+	FPackages& GetPackages() { return Packages; }
 	const FPlugins& GetPlugins() const { return Plugins; }
 
 	/**
@@ -57,8 +60,10 @@ private:
 	FClasses Classes;
 	FClock Clock;
 	FNoDialogs Dialogs;
+	FLevelEditor LevelEditor;
 	FEditor Editor;
 	FFiles Files;
+	FImages Images;
 	FJsonReader JsonReader;
 	FProcesses Processes;
 	FRegistryFile RegistryFile;

@@ -154,6 +154,8 @@ TEST_F(FCheckFormats, DocumentIsGroupedWorstFirst)
 TEST_F(FCheckFormats, SarifNamesRulesAndFilesOfTheRepository)
 {
 	PutDamaged(1);
+	WriteBytes(Folder / "Plugins/Cave/Content/Maps/Hall.umap",
+		QVFormats::BuildLevelPackage({.PackageName = "/Cave/Maps/Hall"}));
 	FJson Log = FJson::parse(Check({"Cave", "--format", "sarif"}, 1).Out);
 	ExpectSarif(Log);
 	const auto UriOf = [&Log](const std::string& Rule)
@@ -182,8 +184,7 @@ TEST_F(FCheckFormats, SarifOfAMapWithNothingToTell)
 	BuildRelease();
 	QVFormats::FLevelPackageSpec Level;
 	Level.PackageName = "/Cave/Maps/Hall";
-	Level.Actors = {{"Start", "/Script/Engine.PlayerStart"}, {"End", "/Script/QUARVEL.MapEndTrigger"},
-		{"First", "/Script/QUARVEL.MapCheckpointTrigger", false, false, "Type", "ECheckpointType::Start"}};
+	Level.Actors = QVFormats::PlayableActors();
 	WriteBytes(Folder / "Plugins/Cave/Content/Maps/Hall.umap", QVFormats::BuildLevelPackage(Level));
 	const FJson Log = FJson::parse(Check({"Cave", "--format", "sarif", "--fail-on", "warning"}, 0).Out);
 	ExpectSarif(Log);

@@ -38,12 +38,6 @@ Environment
            /QUARVEL/Templates/DefaultMapTemplate
 
 Map Content
-  warning  Checkpoints placed
-           No checkpoints in this map.
-           fix: Valid for a map that only runs to a Map End Trigger, but the checkpoint system stays inactive for the whole run and the game logs a missing start checkpoint. If that was not deliberate, place a checkpoint and set its Type to Start.
-  warning  A way to finish the run
-           No Map End Trigger in this map.
-           fix: Nothing ends the run. Place a Map End Trigger where the map should finish.
   note     Map paths
            Cook path, manifest path and pak mount point for each map.
            note     Hall
@@ -60,8 +54,12 @@ Map Content
            1 map(s) checked.
   ok       Maps resolvable for cooking
            1 map(s) resolve.
+  ok       One checkpoint set to Start
+           1 of 1 checkpoint(s) is the Start.
   ok       A PlayerStart in the level
            1 PlayerStart(s) placed.
+  ok       A way to finish the run
+           1 Map End Trigger(s) placed.
   ok       Content allowed in a packed map
            No disallowed assets, actors or level script found.
 
@@ -89,11 +87,11 @@ Last Export
   note     Last export known
            Nothing has been exported from this project yet.
 
-0 errors, 2 warnings, 4 notes, 22 passed
+0 errors, 0 warnings, 4 notes, 24 passed
 )");
-	EXPECT_EQ(Check({"Hall", "--fail-on", "warning"}, 1).Err, "");
+	EXPECT_EQ(Check({"Hall", "--fail-on", "warning"}, 0).Err, "");
 	EXPECT_EQ(Check({"/Cave/Maps/Hall", "-o", "report.txt"}, 0).Out, "");
-	EXPECT_TRUE(Get("report.txt").ends_with("0 errors, 2 warnings, 4 notes, 22 passed\n"));
+	EXPECT_TRUE(Get("report.txt").ends_with("0 errors, 0 warnings, 4 notes, 24 passed\n"));
 	EXPECT_EQ(Check({"Hall", "-o", "SampleMaps.uproject/r"}, 1).Err.substr(0, 7), "error: ");
 }
 

@@ -35,6 +35,20 @@ FProgramEnd FCliTest::Finish(FProgram& Program) const
 	return End;
 }
 
+FProgramStart FCliTest::StartOnTerminal(const FWords& Words, unsigned Columns) const
+{
+	FProgramStart How = Start(Words);
+	How.TerminalColumns = static_cast<unsigned short>(Columns);
+	return How;
+}
+
+FProgramEnd FCliTest::FinishOnTerminal(FProgram& Program) const
+{
+	FProgramEnd End = Finish(Program);
+	End.Out = FQVString::ReplaceAll(End.Out, "\r\n", "\n");
+	return End;
+}
+
 void FCliTest::Expect(const FWords& Words, int Code, std::string_view Out, std::string_view Err) const
 {
 	SCOPED_TRACE("qvmap " + FQVString::Join(Words, " "));
@@ -168,6 +182,7 @@ FScriptedToolsTest::FScriptedToolsTest()
 {
 	Folder = QVStandalone::ToOsPath(Project.ProjectDir());
 	Environment["QVMAP_ENGINE_DIR"] = Project.EngineDir();
+	Project.AddTemplate();
 	Project.AddMod("Cave", {"Maps/Hall"});
 	Project.AddBaseRelease();
 	Project.ScriptEditorCmd({CookHall});

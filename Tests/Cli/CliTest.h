@@ -34,6 +34,9 @@ protected:
 	FProgramEnd Run(const FWords& Words) const { return Finish(Start(Words)); }
 	FProgramEnd Finish(const FProgramStart& Start) const;
 	FProgramEnd Finish(FProgram& Program) const;
+	FProgramStart StartOnTerminal(const FWords& Words, unsigned Columns = 120) const;
+	/** With plain line ends. */
+	FProgramEnd FinishOnTerminal(FProgram& Program) const;
 	/** The exit code and all output. */
 	void Expect(const FWords& Words, int Code, std::string_view Out, std::string_view Err) const;
 	/** Exit code 1, and on standard error exactly this beside the lines of progress. */
@@ -67,9 +70,11 @@ class FScriptedToolsTest : public FCliTest
 {
 protected:
 	FTestProject Project;
-	/** The cook's part for the mod Cave, and its end: a cooked map. */
-	const std::string CookHall =
-		"write " + Project.At("Saved/Cooked/Windows/MapWork/Plugins/Cave/Content/Maps/Hall.umap") + "|cooked";
+	const std::string Cooked = Project.At("Saved/Cooked/Windows/MapWork/Plugins/Cave/Content/");
+	/** The cook's part for the mod Cave: its map alone, which makes no good pak. */
+	const std::string CookMapAlone = "write " + Cooked + "Maps/Hall.umap|cooked";
+	/** With something that stands in the map. */
+	const std::string CookHall = CookMapAlone + "\nwrite " + Cooked + "Rock.uasset|cooked";
 
 	FScriptedToolsTest();
 	std::string Mask(std::string Text) const override;

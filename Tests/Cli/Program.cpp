@@ -165,9 +165,39 @@ void FProgram::Signal(int Number) const
 	::kill(Id, Number);
 }
 
+void FProgram::Kill() const
+{
+	static_assert(Killed == -SIGKILL);
+	Signal(SIGKILL);
+}
+
+bool FProgram::AwaitOnTerminal(std::string_view Text)
+{
+	const auto Deadline = FClock::now() + MostTime;
+	for (std::size_t Found = Seen.find(Text, Awaited); Found == std::string::npos; Found = Seen.find(Text, Awaited))
+	{
+		pollfd Polled{Out, POLLIN, 0};
+		if (FClock::now() > Deadline || (::poll(&Polled, 1, 100) > 0 && !ReadSome(Out, Seen)))
+		{
+			return false;
+		}
+	}
+	Awaited = Seen.find(Text, Awaited) + Text.size();
+	return true;
+}
+
+void FProgram::Type(std::string_view Keys) const
+{
+	if (::write(Out, Keys.data(), Keys.size()) != static_cast<ssize_t>(Keys.size()))
+	{
+		throw std::runtime_error(std::strerror(errno));
+	}
+}
+
 FProgramEnd FProgram::Wait()
 {
 	FProgramEnd End;
+	End.Out = Seen;
 	if (!ReadAll({{&Out, &End.Out}, {&Err, &End.Err}}, MostTime))
 	{
 		::kill(Id, SIGKILL);

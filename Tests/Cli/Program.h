@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <sys/types.h>
 #include <vector>
 
@@ -48,6 +49,13 @@ public:
 
 	/** On Windows any is what Ctrl-Break is. */
 	void Signal(int Number) const;
+	/** The program alone, with no time to tidy up; its code is Killed then. */
+	void Kill() const;
+	static constexpr int Killed = -9;
+	/** Until the text has come once more on its terminal; false after two minutes, or if it ends without. */
+	bool AwaitOnTerminal(std::string_view Text);
+	/** As a user types at its terminal: "\n" is Return, "\x04" the end of the input. */
+	void Type(std::string_view Keys) const;
 	/** Until it ends; after two minutes it is killed. */
 	FProgramEnd Wait();
 
@@ -61,6 +69,9 @@ private:
 	int Err = -1;
 	/** The other end is held by the program and by all that it starts. */
 	int Lifeline = -1;
+	/** What has come on the terminal, and how much of it was waited for. */
+	std::string Seen;
+	std::size_t Awaited = 0;
 
 	void RunChild(const FProgramStart& Start, int OutEnd, int ErrEnd) const;
 #endif

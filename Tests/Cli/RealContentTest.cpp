@@ -68,7 +68,11 @@ TEST_F(FRealContent, APluginOfTheEditorsGoesIntoAPakAndComesBackWhole)
 	fs::permissions(Plugin / "ALS.uplugin", fs::perms::owner_write, fs::perm_options::add);
 	fs::copy(Content / "als/Content", Plugin / "Content", fs::copy_options::recursive);
 	BuildRelease();
-	const FProgramEnd Packed = Run({"-q", "pack", "ALS"});
+	const FProgramEnd Refused = Run({"-q", "pack", "L_Als_Grid", "--yes"});
+	EXPECT_EQ(Refused.Code, 1);
+	EXPECT_EQ(Refused.Err.find("error: This map contains content that is not supported."), 0) << Refused.Err;
+	Put("Saved/QVPak/config.json", R"({"always_export_as_mod": true})");
+	const FProgramEnd Packed = Run({"-q", "pack", "L_Als_Grid", "--yes"});
 	ASSERT_EQ(Packed.Code, 0) << Packed.Err;
 	EXPECT_EQ(Packed.Err, "");
 	ASSERT_EQ(Paks().size(), 1);

@@ -140,8 +140,7 @@ TEST_F(FRedirectorsVerb, WhatCannotBeReadMayReferToThem)
 
 TEST_F(FScriptedToolsTest, FilteringLeavesOutWhatNoMapUses)
 {
-	const std::string Cooked = Project.At("Saved/Cooked/Windows/MapWork/Plugins/Cave/Content/");
-	Project.ScriptEditorCmd({CookHall, "write " + Cooked + "Unused.uasset|x", "write " + Cooked + "Unused.uexp|y",
+	Project.ScriptEditorCmd({CookMapAlone, "write " + Cooked + "Unused.uasset|x", "write " + Cooked + "Unused.uexp|y",
 		"write " + Cooked + "ShaderArchive-Cave.ushaderbytecode|z"});
 	Project.ScriptUnrealPak({"write {1}|pak"});
 	Put("Saved/QVPak/config.json", R"({"filter_unused_assets": true})");

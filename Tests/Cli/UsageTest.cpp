@@ -33,6 +33,10 @@ protected:
 		static const std::regex Row("\n  ([a-z][a-z-]*) {2,}[A-Z]");
 		const std::size_t Table = End.Out.find("\nSubcommands:\n");
 		std::set<std::string> Leaves = Table == std::string::npos ? std::set{Called} : std::set<std::string>();
+		if (End.Out.find("\nPositionals:\n") != std::string::npos)
+		{
+			Leaves.insert(Called); // can be called itself, too
+		}
 		const std::string Rows = Table == std::string::npos ? "" : End.Out.substr(Table);
 		for (std::sregex_iterator Each(Rows.begin(), Rows.end(), Row), Last; Each != Last; ++Each)
 		{
@@ -79,18 +83,22 @@ TEST_F(FUsage, WrongUseIsToldWithTheWayOut)
 		FWords Words;
 		const char* Error;
 	} Cases[] = {
-		{{}, "qvmap needs a verb: maps, check, base-release, pack, references, redirectors, recover, pak, inspect, "
+		{{}, "qvmap needs a verb: new, maps, open, check, base-release, pack, play, publish, workshop, references, "
+			 "redirectors, recover, "
+			 "pak, "
+			 "inspect, "
 			 "settings, "
 			 "setup, update, sample\n  "
 			 "see: qvmap --help\n"},
 		{{"pakc"}, "'pakc' is not a verb of qvmap. Did you mean 'pak'?\n  see: qvmap --help\n"},
-		{{"publish", "now"}, "'publish' is not a verb of qvmap\n  see: qvmap --help\n"},
+		{{"share", "now"}, "'share' is not a verb of qvmap\n  see: qvmap --help\n"},
 		{{"--project", "X", "mapps"}, "'mapps' is not a verb of qvmap. Did you mean 'maps'?\n  see: qvmap --help\n"},
 		{{"--loud"}, "'--loud' is not an option of qvmap\n  see: qvmap --help\n"},
 		{{"base-release"}, "qvmap base-release needs a verb: status, build\n  see: qvmap base-release --help\n"},
 		{{"pak", "verfy", "x.pak"},
 			"'verfy' is not a verb of qvmap pak. Did you mean 'verify'?\n  see: qvmap pak --help\n"},
-		{{"pack"}, "mod is required\n  see: qvmap pack --help\n"},
+		{{"pack", "Cave", "--answer", "Yes"},
+			"--answer: 'Yes' is no KEY=CHOICE, such as PreflightTitle=PackAnyway\n  see: qvmap pack --help\n"},
 		{{"settings", "set", "verbose_logging"}, "value is required\n  see: qvmap settings set --help\n"},
 		{{"pak", "extract", "a.pak"}, "folder is required\n  see: qvmap pak extract --help\n"},
 		{{"maps", "--loud"}, "The following argument was not expected: --loud\n  see: qvmap maps --help\n"},

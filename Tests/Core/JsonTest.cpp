@@ -129,6 +129,8 @@ TEST(Json, TolerantReadsTakeOneTypeAndConvertingReadsMakeOne)
 	}
 	const FQVJson Json = ObjectOf("list", ArrayOf({"a", 1, "b", FQVJson()})).Set("text", "a");
 	EXPECT_EQ(Json.TryStrings("list"), (std::vector<std::string>{"a", "b"}));
+	EXPECT_EQ(Json.GetStrings("list"), (std::vector<std::string>{"a", "1", "b"}));
+	EXPECT_TRUE(Json.GetStrings("text").empty());
 	EXPECT_TRUE(Json.TryStrings("text").empty());
 	EXPECT_TRUE(Json.TryStrings("missing").empty());
 	EXPECT_FALSE(Json.TryBool("missing").has_value());

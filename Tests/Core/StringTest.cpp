@@ -45,6 +45,17 @@ TEST(String, FindsAndReplaces)
 	EXPECT_EQ(FQVString::Join({}, "+"), "");
 }
 
+TEST(String, SplitsAndTrims)
+{
+	using FPieces = std::vector<std::string_view>;
+	EXPECT_EQ(FQVString::Split("/Cave//Maps/Hall.Hall/", '/'), (FPieces{"Cave", "Maps", "Hall.Hall"}));
+	EXPECT_EQ(FQVString::Split("a, ,b", ','), (FPieces{"a", " ", "b"}));
+	EXPECT_EQ(FQVString::Split(",,", ','), FPieces());
+	EXPECT_EQ(FQVString::TrimStartAndEnd(" \t\r\n\v\fa b\xC2\xA0\xE3\x80\x80\xC2\x85"), "a b");
+	EXPECT_EQ(FQVString::TrimStartAndEnd("\xE2\x80\x80\xE2\x80\x8A"), "");
+	EXPECT_EQ(FQVString::TrimStartAndEnd("\xE2\x80\x8B\xC2\xA1"), "\xE2\x80\x8B\xC2\xA1") << "no white space";
+}
+
 TEST(String, CutsTexts)
 {
 	EXPECT_EQ(FQVString::NonEmptyLines("a\r\n\r\n\nb\rc"), (std::vector{"a"sv, "b"sv, "c"sv}));
@@ -54,6 +65,13 @@ TEST(String, CutsTexts)
 	EXPECT_EQ(FQVString::LastCharacters("abc", 5), "abc");
 	EXPECT_EQ(FQVString::LastCharacters("abc", 0), "");
 	EXPECT_EQ(FQVString::LastCharacters("aö洞\U0001F600", 3), "ö洞\U0001F600");
+}
+
+TEST(String, Trims)
+{
+	EXPECT_EQ(FQVString::Trim(" \t\r\nCave 1\n "), "Cave 1");
+	EXPECT_EQ(FQVString::Trim(" \t"), "");
+	EXPECT_EQ(FQVString::Trim(""), "");
 }
 
 TEST(Unicode, ConvertsAndRepairs)

@@ -99,7 +99,7 @@ FCrashScenes::FCrashScenes(const FCrashOptions& InOptions)
 		CopyTree(Original.Folder(), Options.Keep);
 	}
 	Scenes.reserve(2 * Options.Scenes + 1);
-	Scenes.push_back({"pack", "pack", Original.Folder(), {"-q", "pack", FCrashProject::Mod}, false, false});
+	Scenes.push_back({"pack", "pack", Original.Folder(), {"-q", "pack", FCrashProject::Map}, false, false});
 	const FRunEnd Whole = RunUndisturbed(Scenes.front());
 	AddJobs(Scenes.front(), Whole);
 	AddInterrupted(Whole);
@@ -152,7 +152,7 @@ void FCrashScenes::AddInterrupted(const FRunEnd& Whole)
 		{
 			FScene Scene{QVPrintf("%s-2", Verb), QVPrintf("%s after a pack cut off at %s", Verb, std::to_string(Point)),
 				Template, {"-q", Verb}, FCrashTrial::CopiesMayStay(End, Fault), true};
-			Scene.Words.resize(Verb == std::string_view("pack") ? 3 : 2, FCrashProject::Mod);
+			Scene.Words.resize(Verb == std::string_view("pack") ? 3 : 2, FCrashProject::Map);
 			Scenes.push_back(std::move(Scene));
 			AddJobs(Scenes.back(), RunUndisturbed(Scenes.back()));
 		}

@@ -51,11 +51,12 @@ void CopyTree(const fs::path& From, const fs::path& To)
 
 FCrashProject::FCrashProject()
 {
+	Project.AddTemplate();
 	Project.AddMod(Mod, {});
 	Project.AddMod("Tools", {"Maps/Test"});
 	Project.Write("Config/DefaultGame.ini", "[/Script/EngineSettings.GeneralProjectSettings]\nProjectName=Crash\n");
-	PutMap("/Cave/Maps/Hall", {"/Game/Rock", "/Cave/Own", "soft /Tools/Moss", "/Game/OldPile"});
-	PutMap("/Cave/Maps/Annex", {"/Cave/Own"});
+	PutPlayableMap("/Cave/Maps/Hall", {"/Game/Rock", "/Cave/Own", "soft /Tools/Moss", "/Game/OldPile"});
+	PutPlayableMap("/Cave/Maps/Annex", {"/Cave/Own"});
 	PutMesh("/Cave/Own", {"/Game/Rock"}, 2000);
 	PutMesh("/Game/Rock", {"/Game/Stein_Größe"}, 5000);
 	PutMesh("/Game/Stein_Größe", {"/Game/Rock"});

@@ -27,6 +27,8 @@ class FCrashProject : public FContentTest
 {
 public:
 	static constexpr const char* Mod = "Cave";
+	/** Of the mod's maps the one that is packed; nothing is missing in it, so that no pack stops at a question. */
+	static constexpr const char* Map = "Hall";
 	/** Where its packs keep what they need to undo their changes. */
 	static constexpr const char* Journals = "Saved/QVPak/Temp/ImportBackup";
 	static constexpr const char* Manifest = "import.json";

@@ -30,22 +30,18 @@ struct FBareWorld : IQVWorld
 };
 
 /** An editor in which a test opens what it likes. */
-struct FBareEditor : IQVEditor
+struct FBareEditor : QVStandalone::FEditor
 {
 	const IQVWorld* World = nullptr;
 	bool bSaves = true;
 	int Saved = 0;
 
-	void FinishAllCompilation() override {}
 	const IQVWorld* GetOpenWorld() const override { return World; }
-	bool SaveDirtyPackages() override
+	bool SaveDirtyPackages(const FQVSaveDirtyPackages&) override
 	{
 		++Saved;
 		return bSaves;
 	}
-	IQVBlueprint* GetLevelScriptBlueprint(const IQVLevel&, FQVText&) override { return nullptr; }
-	void BeginTransaction(const FQVText&) override {}
-	void EndTransaction() override {}
 };
 
 /** Keeps what it was told; cancelled as soon as that many steps have begun. */

@@ -93,7 +93,7 @@ TEST_F(FLastExportChecks, WhatIsGone)
 {
 	Store();
 	const std::string Text = Check();
-	EXPECT_NE(Text.find("Warning Export.Pak\n"
+	EXPECT_NE(Text.find("Info Export.Pak\n"
 						"  ExportPakTitle: Pak still there\n"
 						"  ExportPakGone: No longer there: <Project>/Saved/QVPak/Output/Cave_1.pak\n"
 						"  ExportPakGoneRemedy: Export again to get a new one.\n"),
@@ -113,7 +113,7 @@ TEST_F(FLastExportChecks, AnExportThatFailed)
 	Record.LogPath.clear();
 	Store();
 	EXPECT_EQ(Check(),
-		"Warning Export.Result\n"
+		"Info Export.Result\n"
 		"  ExportResultTitle: Last export succeeded\n"
 		"  ExportFailed: The export of 'Cave' Nov 21, 2026, 6:05:09 PM failed while cooking: Cook failed with return "
 		"code 3\n"
@@ -132,7 +132,7 @@ TEST_F(FLastExportChecks, NoRecordOfThisMap)
 		Check("Harbor"), "Info" + Title + "  ExportOther: The last export was of 'Cave', Nov 21, 2026, 6:05:09 PM.\n");
 	Project.Write("Saved/QVPak/Logs/last_export.json", "{");
 	EXPECT_EQ(
-		Check(), "Warning" + Title +
+		Check(), "Info" + Title +
 					 "  ExportUnreadable: The record could not be read: <Project>/Saved/QVPak/Logs/last_export.json\n"
 					 "  ExportUnreadableRemedy: The next export writes a new one.\n"
 					 "  [OpenRecord: Open Record] OpenFile <Project>/Saved/QVPak/Logs/last_export.json\n");

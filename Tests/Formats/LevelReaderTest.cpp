@@ -194,3 +194,45 @@ TEST(LevelReader, ReadsMapsOfTheEditor)
 		EXPECT_EQ(ReadAll(ToBytes(ReadText(ContentFolder() / Case.File))), Case.Expected) << Case.File;
 	}
 }
+
+namespace
+{
+/** The data of an export, with the numbers that differ from file to file as zeros. */
+std::vector<std::byte> DataOf(
+	FBytes File, std::string_view Object, const std::vector<std::pair<std::size_t, std::size_t>>& Numbers)
+{
+	const auto Header = ReadPackageHeader(File);
+	for (const FPackageExport& Export : Header ? Header->Exports : std::vector<FPackageExport>())
+	{
+		if (Header->Names.Text(Export.ObjectName) == Object)
+		{
+			const FBytes Data = File.subspan(
+				static_cast<std::size_t>(Export.SerialOffset), static_cast<std::size_t>(Export.SerialSize));
+			std::vector<std::byte> Bytes(Data.begin(), Data.end());
+			for (const auto& [Begin, Size] : Numbers)
+			{
+				std::fill_n(Bytes.begin() + static_cast<std::ptrdiff_t>(Begin), Size, std::byte{});
+			}
+			return Bytes;
+		}
+	}
+	return {};
+}
+} // namespace
+
+TEST(LevelWriter, AnEmptyModelIsWhatTheEditorWrites)
+{
+	if (ContentFolder().empty())
+	{
+		GTEST_SKIP() << "QVMAP_TEST_CONTENT is not set";
+	}
+	const std::vector<std::byte> Real = ToBytes(ReadText(ContentFolder() / "orbis-maps/Content/Maps/Sounds.umap"));
+	const std::vector<std::byte> Own = BuildLevelPackage({.PackageName = "/Cave/Maps/Cave", .bModel = true});
+	const std::pair<std::size_t, std::size_t> NoneName{1, 4};
+	const std::pair<std::size_t, std::size_t> Polys{111, 4};
+	const std::pair<std::size_t, std::size_t> LightingGuid{147, 16};
+	const std::vector<std::byte> Model = DataOf(Real, "Model_0", {NoneName, Polys, LightingGuid});
+	EXPECT_EQ(Model.size(), 167U);
+	EXPECT_EQ(DataOf(Own, "Model_0", {NoneName, Polys}), Model);
+	EXPECT_EQ(DataOf(Own, "Polys_0", {NoneName}), DataOf(Real, "Polys_0", {NoneName}));
+}

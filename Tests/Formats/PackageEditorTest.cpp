@@ -123,7 +123,12 @@ TEST(PackageEditorTest, SharedEntriesGoTheirOwnWays)
 	const std::vector<FPackageRename> JustStone{Stone};
 	EXPECT_EQ(RenameInPackage(Data, "/Game/User", JustStone)->PossiblyStale, std::vector<std::string>{"/Game/Rock"});
 	const std::vector<FPackageRename> StoneAndSeven{Stone, Seven};
-	const TResult<FPackageEdit> InPlace = RenameInPackage(Data, "/Game/User", StoneAndSeven);
+	EXPECT_EQ(RenameInPackage(Data, "/Game/User", StoneAndSeven)->PossiblyStale, std::vector<std::string>());
+	// It names the package, and right behind it the object, whose name there stays.
+	FPackageSpec BesideSpec = RocksSpec({"/Game/Rock", "None", "Rock"});
+	BesideSpec.Exports[0].Data = ToBytes(std::string("\7\0\0\0\0\0\0\0\0\2\0\0\0\0\0\0\0", 17));
+	const FFile Beside = BuildPackage(BesideSpec);
+	const TResult<FPackageEdit> InPlace = RenameInPackage(Beside, "/Game/User", StoneAndSeven);
 	EXPECT_EQ(InPlace->PossiblyStale, std::vector<std::string>{"/Game/Rock"}) << "the object's name beside it stays";
 	EXPECT_EQ(InPlace->References, 4u);
 	EXPECT_EQ(Entries(Joined(Data, *InPlace))[0], "/Game/Stone");

@@ -2,12 +2,9 @@
 #include "Standalone/Formats/Base/PathText.h"
 #include "Standalone/Formats/Base/Unicode.h"
 #include "Tests/Formats/PakTestSupport.h"
+#include "Tests/Support/SmallDisk.h"
 
 #include <gtest/gtest.h>
-#ifndef _WIN32
-#include <csignal>
-#include <sys/resource.h>
-#endif
 
 namespace QVTest
 {
@@ -370,15 +367,11 @@ TEST(PakWriter, FailuresLeaveTheOldPakAndNothingElse)
 			"nothing writes to it");
 	EXPECT_EQ(WritePak(Input.Temp.Path() / "None" / "M.pak", Input.Sources).Error().Message,
 		PathText(Input.Temp.Path()) + "/None/M.pak could not be created: No such file or directory");
-#ifndef _WIN32 // which has no such limits
-	rlimit Old = {};
-	::getrlimit(RLIMIT_FSIZE, &Old);
-	const rlimit Small = {500000, Old.rlim_max};
-	std::signal(SIGXFSZ, SIG_IGN);
-	::setrlimit(RLIMIT_FSIZE, &Small);
-	EXPECT_EQ(Error(Good), PathText(Input.Target()) + " could not be written: File too large");
-	::setrlimit(RLIMIT_FSIZE, &Old);
-#endif
+	if (bSmallDisks)
+	{
+		const FSmallDisk Disk(500'000);
+		EXPECT_EQ(Error(Good), PathText(Input.Target()) + " could not be written: File too large");
+	}
 	EXPECT_EQ(ReadBytes(Input.Target()), BytesOf("old pak"));
 	EXPECT_EQ(std::distance(fs::directory_iterator(Input.Temp.Path()), {}), 2);
 }

@@ -1,42 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/Files.h"
 #include "Tests/Standalone/TestFiles.h"
+#include "Tests/Support/SmallDisk.h"
 
 #include <chrono>
-#include <csignal>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using QVStandalone::FFiles;
+using QVTest::FSmallDisk;
 namespace fs = std::filesystem;
 
 namespace
 {
-/** As on a full disk: no file may grow over this many bytes. */
-class FSmallDisk
-{
-public:
-	explicit FSmallDisk(rlim_t Bytes)
-	{
-		OldAction = std::signal(SIGXFSZ, SIG_IGN);
-		::getrlimit(RLIMIT_FSIZE, &Old);
-		const rlimit Small{Bytes, Old.rlim_max};
-		::setrlimit(RLIMIT_FSIZE, &Small);
-	}
-	FSmallDisk(const FSmallDisk&) = delete;
-	FSmallDisk& operator=(const FSmallDisk&) = delete;
-	~FSmallDisk()
-	{
-		::setrlimit(RLIMIT_FSIZE, &Old);
-		std::signal(SIGXFSZ, OldAction);
-	}
-
-private:
-	rlimit Old = {};
-	void (*OldAction)(int) = SIG_DFL;
-};
-
 struct Files : testing::Test
 {
 	FTestFiles Disk;

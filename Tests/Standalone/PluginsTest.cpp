@@ -2,6 +2,7 @@
 #include "Standalone/Engine/StandaloneEngine.h"
 #include "Standalone/Formats/Registry/AssetRegistryBuilder.h"
 #include "Tests/Standalone/TestFiles.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <gtest/gtest.h>
 
@@ -28,6 +29,7 @@ protected:
 
 TEST_F(Plugins, LieAnywhereBelowButNotWithinEachOther)
 {
+	QV_SKIP_ON_WINDOWS("the standard library makes no links here");
 	for (const char* File :
 		{"My Maps/Plugins/Cave/Cave.uplugin", "My Maps/Plugins/Cave/Plugins/Inner/Inner.uplugin",
 			"My Maps/Plugins/group/of a kind/Deep/Deep.uplugin", "My Maps/Plugins/Off/Off.uplugin.disabled",
@@ -47,6 +49,49 @@ TEST_F(Plugins, LieAnywhereBelowButNotWithinEachOther)
 	EXPECT_EQ(Descriptors,
 		(FLines{"My Maps/Plugins/Cave/Cave.uplugin", "My Maps/Plugins/Linked/Linked.UPLUGIN",
 			"My Maps/Plugins/group/of a kind/Deep/Deep.uplugin", "Engine/Plugins/Runtime/Built/Built.uplugin"}));
+}
+
+TEST_F(Plugins, ThatAreMadeAreKnownAtOnce)
+{
+	PutPlugin("Engine/Plugins/Built");
+	fs::create_directories(Files.OsPath("My Maps/Plugins/Taken"));
+	const std::string Location = Files("My Maps/Plugins");
+	const std::vector<FQVPluginInfo>& Before = Found.GetDiscovered();
+	std::string Mounted;
+	Found.OnMounted = [&](const FQVPluginInfo& New) { Mounted += New.Name + " "; };
+	const auto Make = [&](const char* Name, const std::string& In)
+	{
+		FQVNewPlugin New{Name, In, {}};
+		New.Descriptor.FriendlyName = "Zoë's";
+		New.Descriptor.bCanContainContent = true;
+		FQVText Reason;
+		const std::optional<FQVPluginInfo> Made = Found.CreateAndLoadNewPlugin(New, Reason);
+		EXPECT_EQ(Made.has_value(), Reason.ToString().empty());
+		return Files.Mask(Made ? Made->DescriptorPath : Reason.ToString());
+	};
+	EXPECT_EQ(Make("Hall-1", Location), "My Maps/Plugins/Hall-1/Hall-1.uplugin");
+	EXPECT_TRUE(fs::is_directory(Files.OsPath("My Maps/Plugins/Hall-1/Content")));
+	EXPECT_NE(
+		Files.Get("My Maps/Plugins/Hall-1/Hall-1.uplugin").find("\"FriendlyName\": \"Zoë's\",\r\n"), std::string::npos)
+		<< "UTF-8, whatever is in it";
+	const std::pair<const char*, const char*> Refused[] = {
+		{"", "A plugin needs a name."},
+		{"3d", "The name of a plugin begins with a letter: '3d' does not."},
+		{"a.b", "The name of a plugin has letters, digits, underscores and hyphens only: 'a.b' has others."},
+		{"built", "There is a plugin 'Built' already: Engine/Plugins/Built/Built.uplugin."},
+		{"Taken", "My Maps/Plugins/Taken is there already."},
+	};
+	for (const auto& [Name, Reason] : Refused)
+	{
+		EXPECT_EQ(Make(Name, Location), Reason) << Name;
+	}
+	EXPECT_EQ(Make("Elsewhere", Files("My Maps/Content")),
+		"Plugins are not looked for in My Maps/Content: they go below My Maps/Plugins.");
+	EXPECT_EQ(Make("Deep", Location + "/of a kind"), "My Maps/Plugins/of a kind/Deep/Deep.uplugin");
+	EXPECT_EQ(Mounted, "Hall-1 Deep ");
+	EXPECT_EQ(Before.size(), 1U) << "who reads it meanwhile keeps what it began with";
+	EXPECT_EQ(Found.GetDiscovered().size(), 3U);
+	EXPECT_TRUE(Found.FindPlugin("deep")->bEnabled && Found.FindPlugin("deep")->bCanContainContent);
 }
 
 TEST_F(Plugins, AreEnabledByPlaceDescriptorAndProjectList)

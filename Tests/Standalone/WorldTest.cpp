@@ -87,6 +87,21 @@ constexpr const char* TriggerClass = "/Script/QUARVEL.MapCheckpointTrigger";
 const std::string Settings = "WorldSettings /Script/Engine.WorldSettings";
 } // namespace
 
+TEST_F(FWorldTest, TellsOfEachMapThatIsOpenedAndOfNoOther)
+{
+	PutLevel({.PackageName = "/Cave/Maps/Hall"});
+	std::string Opened;
+	FQVSubscription Subscription =
+		Engine.Interfaces.Editor->OnMapOpened([&] { Opened += World().GetPackageName() + " "; });
+	EXPECT_EQ(Open("/Cave/Maps/Hall"), "");
+	EXPECT_NE(Open("/Cave/Maps/Gone"), "");
+	EXPECT_EQ(Open("/Cave/Maps/Hall"), "");
+	EXPECT_EQ(Opened, "/Cave/Maps/Hall /Cave/Maps/Hall ");
+	Subscription.reset();
+	EXPECT_EQ(Open("/Cave/Maps/Hall"), "");
+	EXPECT_EQ(Opened, "/Cave/Maps/Hall /Cave/Maps/Hall ");
+}
+
 TEST_F(FWorldTest, HasTheMapsActorsInOrder)
 {
 	PutLevel({.PackageName = "/Cave/Maps/Hall",

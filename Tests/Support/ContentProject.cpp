@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Tests/Support/ContentProject.h"
 
+#include "Standalone/Formats/Package/LevelPackages.h"
 #include "Standalone/Formats/Package/RedirectorPackage.h"
 
 namespace QVTest
@@ -42,6 +43,20 @@ void FContentTest::PutMap(const std::string& Package, const FReferences& Referen
 	Spec.PackageName = Package;
 	Sort(References, Spec.HardReferences, Spec.SoftPackages);
 	Project.Write(FileOf(Package, ".umap"), AsText(BuildWorldPackage(Spec)));
+}
+
+void FContentTest::PutPlayableMap(const std::string& Package, const FReferences& References)
+{
+	FLevelPackageSpec Spec;
+	Spec.PackageName = Package;
+	Spec.Actors = PlayableActors();
+	std::vector<FHardReference> Hard;
+	Sort(References, Hard, Spec.SoftPackages);
+	for (const FHardReference& Each : Hard)
+	{
+		Spec.Meshes.push_back(Each.Package);
+	}
+	Project.Write(FileOf(Package, ".umap"), AsText(BuildLevelPackage(Spec)));
 }
 
 void FContentTest::PutMesh(const std::string& Package, const FReferences& References, std::size_t PayloadBytes)

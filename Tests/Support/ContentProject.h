@@ -14,6 +14,8 @@ using FReferences = std::vector<std::string>;
 struct FContentTest : FToolkitTest
 {
 	void PutMap(const std::string& Package, const FReferences& References = {});
+	/** One in which nothing is missing. */
+	void PutPlayableMap(const std::string& Package, const FReferences& References = {});
 	void PutMesh(const std::string& Package, const FReferences& References = {}, std::size_t PayloadBytes = 0);
 	/** Of a mesh or, if the target is in it, of a blueprint. */
 	void PutRedirector(const std::string& Package, const std::string& Target, const char* Class = "StaticMesh");

@@ -17,6 +17,8 @@ public:
 	bool bDesktop = true;
 	/** Of a file dialog. */
 	std::optional<std::string> Answer;
+	/** Of one for several files. */
+	std::vector<std::string> Answers;
 	/** The newest message or file dialog. */
 	std::string Asked;
 
@@ -25,7 +27,7 @@ public:
 	std::map<std::string, std::string> Choices;
 	/** All that was shown, one entry each: "message", "question" or "note", its keys, its text, the answer. */
 	std::vector<std::string> Shown;
-	/** Called while a message or question is open, with its entry. */
+	/** Called with each new entry, while a message or question is open. */
 	std::function<void(const std::string&)> OnShown;
 
 	void ShowMessage(const FQVText& Message, const FQVText& Title) override
@@ -64,39 +66,40 @@ public:
 		Asked = QVPrintf("%s, %s", Title, FileTypes);
 		return Answer;
 	}
+	std::vector<std::string> OpenFilesDialog(std::string_view Title, std::string_view FileTypes) override
+	{
+		Asked = QVPrintf("%s, %s, several", Title, FileTypes);
+		return Answers;
+	}
 
 private:
+	/** Told when it comes and when it goes; what it says in between goes with the time. */
 	class FNotification : public IQVNotification
 	{
 	public:
 		FNotification(FScriptedDialogs& InOwner, const FQVNotificationInfo& Info)
 			: Owner(InOwner)
+			, Text(Info.Text)
+			, State(Info.CompletionState)
+			, FadeOutDuration(Info.FadeOutDuration)
 		{
-			Owner.Shown.push_back(
-				QVPrintf("note %s: %s (%s, %s, %g s)", Info.Text.GetKey(), Info.Text.ToString(), Info.Image,
-					Info.bFireAndForget ? "goes by itself" : "stays", Info.FadeOutDuration) +
-				Word(Info.CompletionState));
+			Owner.Note(
+				Describe() + QVPrintf(" (%s, %s)", Info.Image, Info.bFireAndForget ? "goes by itself" : "stays"));
 		}
-		/** The same again is not told again. */
-		void SetText(const FQVText& Text) override
-		{
-			std::string Entry = QVPrintf("note %s: %s", Text.GetKey(), Text.ToString());
-			if (Entry != Last)
-			{
-				Owner.Shown.push_back(Last = std::move(Entry));
-			}
-		}
-		void SetCompletionState(EQVCompletionState State) override { Owner.Shown.back() += Word(State); }
-		void ExpireAndFadeout() override { Owner.Shown.back() += ", fades"; }
+		void SetText(const FQVText& NewText) override { Text = NewText; }
+		void SetCompletionState(EQVCompletionState NewState) override { State = NewState; }
+		void ExpireAndFadeout() override { Owner.Note(Describe() + QVPrintf(" (fades in %g s)", FadeOutDuration)); }
 
 	private:
 		FScriptedDialogs& Owner;
-		std::string Last;
+		FQVText Text;
+		EQVCompletionState State;
+		const double FadeOutDuration;
 
-		static const char* Word(EQVCompletionState State)
+		std::string Describe() const
 		{
-			constexpr const char* Words[] = {"", ", pending", ", success", ", fail"};
-			return Words[static_cast<std::size_t>(State)];
+			constexpr const char* Words[] = {"", "pending ", "success ", "fail "};
+			return QVPrintf("%snote %s: %s", Words[static_cast<std::size_t>(State)], Text.GetKey(), Text.ToString());
 		}
 	};
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
 #include <system_error>
 
 namespace QVTest
@@ -34,11 +35,38 @@ inline void PlaceTestChild(const std::filesystem::path& At)
 {
 	PlaceProgram("qvmap-test-child", At);
 }
+
+/** What is in a folder, at another place too: through a link where one may be made, else as a copy. */
+inline void ShowFolder(const std::filesystem::path& Folder, const std::filesystem::path& At)
+{
+#ifdef _WIN32
+	std::filesystem::copy(Folder, At, std::filesystem::copy_options::recursive);
+#else
+	std::filesystem::create_directory_symlink(Folder, At);
+#endif
+}
+
+/** That of a test child whose script aborts. */
+#ifdef _WIN32
+constexpr int AbortCode = static_cast<int>(0xC0000005);
+#else
+constexpr int AbortCode = 128 + 6;
+#endif
+
+/** Where the running game listens: in the folder for such things, or, on Windows, at the one place of the machine. */
+inline std::string GamePipe([[maybe_unused]] const std::string& RuntimeFolder)
+{
+#ifdef _WIN32
+	return R"(\\.\pipe\QUARVEL_PakLoader)";
+#else
+	return RuntimeFolder + "/QUARVEL_PakLoader";
+#endif
+}
 } // namespace QVTest
 
-/** At the start of a test that needs links, which not every system lets us make. */
+/** At the start of a test, or of its part, that cannot be had on Windows. */
 #ifdef _WIN32
-#define QV_SKIP_WITHOUT_LINKS() GTEST_SKIP() << "the standard library makes no links here"
+#define QV_SKIP_ON_WINDOWS(Reason) GTEST_SKIP() << Reason
 #else
-#define QV_SKIP_WITHOUT_LINKS() static_cast<void>(0)
+#define QV_SKIP_ON_WINDOWS(Reason) static_cast<void>(0)
 #endif

@@ -3,7 +3,7 @@
 
 #include "Core/QVString.h"
 #include "Standalone/Engine/OsPath.h"
-#include "Standalone/Formats/Package/SamplePackages.h"
+#include "Standalone/Formats/Package/LevelPackages.h"
 #include "Standalone/Formats/Registry/AssetRegistryBuilder.h"
 #include "Tests/Support/TestPrograms.h"
 
@@ -110,10 +110,22 @@ void FTestProject::AddMod(std::string_view Name, const std::vector<std::string_v
 		R"({"FileVersion": 3, "CreatedBy": "Zoë", "Description": "A \"dark\" place", "CanContainContent": true})");
 	for (const std::string_view Map : Maps)
 	{
-		QVFormats::FWorldPackageSpec World;
-		World.PackageName = "/" + std::string(Name) + "/" + std::string(Map);
-		Write(Plugin + "Content/" + std::string(Map) + ".umap", ToText(QVFormats::BuildWorldPackage(World)));
+		AddMap(Name, Map);
 	}
+}
+
+void FTestProject::AddMap(std::string_view Plugin, std::string_view Map) const
+{
+	const std::string Name(Plugin);
+	QVFormats::FLevelPackageSpec Level;
+	Level.PackageName = "/" + Name + "/" + std::string(Map);
+	Level.Actors = QVFormats::PlayableActors();
+	Write("Plugins/" + Name + "/Content/" + std::string(Map) + ".umap", ToText(QVFormats::BuildLevelPackage(Level)));
+}
+
+void FTestProject::AddTemplate() const
+{
+	AddMap("QUARVEL", "Templates/DefaultMapTemplate");
 }
 
 void FTestProject::AddBaseRelease() const

@@ -34,8 +34,10 @@ public:
 	/** Paths of all files below a folder of the project, sorted. */
 	std::vector<std::string> FilesIn(std::string_view Relative) const;
 
-	/** A content plugin with its descriptor and maps that the readers of packages take; names as "Maps/Hall". */
+	/** A content plugin with its descriptor and maps that nothing is missing in; names as "Maps/Hall". */
 	void AddMod(std::string_view Name, const std::vector<std::string_view>& Maps) const;
+	/** The map that new ones begin as, in the bridge plugin; without it a check has warnings. */
+	void AddTemplate() const;
 	/** A release that passes the check, with its stamp. */
 	void AddBaseRelease() const;
 	/** The bytes of a registry that lists so many packages. */
@@ -53,6 +55,7 @@ public:
 private:
 	FTempFolder Folder;
 
+	void AddMap(std::string_view Plugin, std::string_view Map) const;
 	void Script(std::string_view Tool, const std::vector<std::string>& Commands) const;
 };
 } // namespace QVTest

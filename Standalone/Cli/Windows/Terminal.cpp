@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Cli/Terminal.h"
 
+#include "Core/QVString.h"
+#include "Standalone/Engine/Interrupt.h"
 #include "Standalone/Formats/Windows/Win32.h"
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 
 namespace QVCli
 {
@@ -17,12 +20,28 @@ HANDLE ErrorHandle()
 	return ::GetStdHandle(STD_ERROR_HANDLE);
 }
 
+bool IsConsole(HANDLE Handle)
+{
+	DWORD Mode = 0;
+	return ::GetConsoleMode(Handle, &Mode);
+}
+
 /** The console behind a stream; null if it is a file or a pipe. */
 HANDLE ConsoleOf(std::FILE* Stream)
 {
 	const HANDLE Handle = ::GetStdHandle(Stream == stderr ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE);
-	DWORD Mode = 0;
-	return ::GetConsoleMode(Handle, &Mode) ? Handle : nullptr;
+	return IsConsole(Handle) ? Handle : nullptr;
+}
+
+/** What is typed up to Return, or some of a long line; false at the end of the input and after an interrupt. */
+bool ReadTyped(std::wstring& Line)
+{
+	wchar_t Typed[512];
+	DWORD Count = 0;
+	const HANDLE Input = ::GetStdHandle(STD_INPUT_HANDLE);
+	const bool bRead = ::ReadConsoleW(Input, Typed, static_cast<DWORD>(std::size(Typed)), &Count, nullptr) && Count > 0;
+	Line.append(Typed, Count);
+	return bRead && !QVStandalone::FInterrupt::IsRaised();
 }
 } // namespace
 
@@ -67,5 +86,26 @@ void PutText(std::FILE* Stream, std::string_view Text)
 		const std::size_t Count = std::min(MostAtOnce, Wide.size() - Done);
 		::WriteConsoleW(Console, Wide.data() + Done, static_cast<DWORD>(Count), &Written, nullptr);
 	}
+}
+
+bool CanAsk()
+{
+	return IsConsole(::GetStdHandle(STD_INPUT_HANDLE)) && IsConsole(ErrorHandle());
+}
+
+std::optional<std::string> AskLine(std::string_view Prompt)
+{
+	constexpr wchar_t EndOfInput = 0x1A; // Ctrl-Z
+	PutText(stderr, Prompt);
+	std::wstring Line;
+	while (ReadTyped(Line) && !Line.starts_with(EndOfInput))
+	{
+		if (Line.ends_with(L'\n'))
+		{
+			return std::string(FQVString::Trim(QVFormats::FromWide(Line)));
+		}
+	}
+	PutText(stderr, "\n"); // the answer is not what Return would end
+	return std::nullopt;
 }
 } // namespace QVCli

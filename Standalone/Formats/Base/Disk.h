@@ -27,6 +27,8 @@ struct FDisk
 	static std::uint64_t SizeOf(const std::filesystem::path& Path, std::error_code& OutError);
 	/** When it was last changed, in nanoseconds since 1970. */
 	static std::int64_t TimeOf(const std::filesystem::path& Path, std::error_code& OutError);
+	/** A path below a folder, as the folders list its names: where names heed no case, others find the same file. */
+	static std::filesystem::path Spelled(const std::filesystem::path& Folder, const std::filesystem::path& Below);
 	/** Absolute, without links. */
 	static std::filesystem::path RealPath(const std::filesystem::path& Path, std::error_code& OutError);
 

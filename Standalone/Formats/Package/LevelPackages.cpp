@@ -27,8 +27,10 @@ public:
 		World = Add(Imports.Class("/Script/Engine.World"), {}, MapName);
 		Level = Add(Imports.Class("/Script/Engine.Level"), World, "PersistentLevel");
 		AddActors();
+		AddModel();
 		AddMeshes();
 		AddStreamingLevels();
+		AddSoftPackages();
 		if (Spec.bScript)
 		{
 			AddScript();
@@ -46,6 +48,7 @@ private:
 	FPackageIndex World;
 	FPackageIndex Level;
 	FPackageIndex Settings;
+	FPackageIndex Model;
 	std::vector<FPackageIndex> Actors;
 	std::vector<FPackageIndex> Meshes;
 	std::vector<FPackageIndex> Streaming;
@@ -72,6 +75,47 @@ private:
 			}
 		}
 	}
+	void AddModel()
+	{
+		if (!Spec.bModel)
+		{
+			return;
+		}
+		Model = Add(Imports.Class("/Script/Engine.Model"), Level, "Model_0");
+		const FPackageIndex Polys = Add(Imports.Class("/Script/Engine.Polys"), Model, "Polys_0");
+		Write(Polys,
+			[&](FObjectWriter& To)
+			{
+				To.EndProperties(At(Polys));
+				To.Out.I32(0); // polygons
+			});
+		Write(Model, [&](FObjectWriter& To) { WriteModel(To, Polys); });
+	}
+	void WriteModel(FObjectWriter& To, FPackageIndex Polys)
+	{
+		To.EndProperties(At(Model));
+		To.Out.U16(0);					  // nothing is stripped
+		To.Out.Zeros(7 * sizeof(double)); // bounds
+		const auto Empty = [&To](std::int32_t ElementBytes)
+		{
+			To.Out.I32(ElementBytes);
+			To.Out.I32(0);
+		};
+		Empty(12);	   // vectors
+		Empty(12);	   // points
+		Empty(64);	   // nodes
+		To.Out.I32(0); // surfaces
+		Empty(24);	   // vertices
+		To.Out.I32(4); // shared sides
+		To.Out.Write(Polys);
+		Empty(4);		  // leaf hulls
+		Empty(4);		  // leaves
+		To.Out.I32(1);	  // what is outside of it is open
+		To.Out.I32(0);	  // linked
+		To.Out.Zeros(8);  // unique vertices, vertex buffer
+		To.Out.Zeros(16); // lighting guid
+		To.Out.I32(0);	  // settings of the lighting
+	}
 	void AddMeshes()
 	{
 		for (const std::string& Mesh : Spec.Meshes)
@@ -94,6 +138,13 @@ private:
 					To.SoftPath("WorldAsset", Place);
 					To.EndProperties(At(Entry));
 				});
+		}
+	}
+	void AddSoftPackages()
+	{
+		for (const std::string& Soft : Spec.SoftPackages)
+		{
+			Package.SoftPaths.push_back({Soft, LastPart(Soft), {}});
 		}
 	}
 	void AddScript()
@@ -184,6 +235,10 @@ private:
 			[this](FObjectWriter& To)
 			{
 				To.Object("WorldSettings", Settings);
+				if (Spec.bModel)
+				{
+					To.Object("Model", Model);
+				}
 				To.Bool("bIsPartitioned", Spec.bPartitioned);
 				To.Bool("bUseExternalActors", Spec.bExternalActors);
 				To.EndProperties(At(Level));
@@ -195,7 +250,7 @@ private:
 				To.Out.I32(0); // options
 				To.Out.I32(DefaultPort);
 				To.Out.I32(1); // valid
-				To.Out.I32(0); // model
+				To.Out.Write(Model);
 				To.Indices({});
 				To.Out.Write(ScriptBlueprint);
 				To.Out.Write(ScriptActor);
@@ -205,6 +260,13 @@ private:
 	}
 };
 } // namespace
+
+std::vector<FActorSpec> PlayableActors()
+{
+	return {{"PlayerStart_0", "/Script/Engine.PlayerStart"},
+		{"Start", "/Script/QUARVEL.MapCheckpointTrigger", false, false, "Type", "ECheckpointType::Start"},
+		{"End", "/Script/QUARVEL.MapEndTrigger"}};
+}
 
 std::vector<std::byte> BuildLevelPackage(const FLevelPackageSpec& Spec)
 {

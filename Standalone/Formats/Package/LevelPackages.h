@@ -39,8 +39,12 @@ struct FLevelPackageSpec
 	std::vector<std::string> StreamingLevels = {};
 	/** Static meshes that the world holds on to, long package names. */
 	std::vector<std::string> Meshes = {};
+	/** Long package names; each is referred to by its asset of the same name. */
+	std::vector<std::string> SoftPackages = {};
 	bool bPartitioned = false;
 	bool bExternalActors = false;
+	/** An empty BSP model with its polygons, which every level of the editor has. */
+	bool bModel = false;
 };
 
 struct FExternalActorSpec
@@ -65,6 +69,8 @@ struct FClassPackageSpec
 // Packages with the parts of a level that its readers look at, in the engine's layout of 5.4. For tests and samples: no
 // editor has opened one, and the script is noise.
 
+/** The least that a map needs to be played: where it begins, its first checkpoint, and its end. */
+std::vector<FActorSpec> PlayableActors();
 std::vector<std::byte> BuildLevelPackage(const FLevelPackageSpec& Spec);
 std::vector<std::byte> BuildExternalActorPackage(const FExternalActorSpec& Spec);
 std::vector<std::byte> BuildClassPackage(const FClassPackageSpec& Spec);

@@ -2,10 +2,12 @@
 #include "Standalone/Formats/Package/NameTableEdit.h"
 
 #include "Standalone/Formats/Base/ByteWriter.h"
+#include "Standalone/Formats/Base/Unicode.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <unordered_set>
 
 namespace QVFormats
 {
@@ -144,13 +146,51 @@ void FNameTableEdit::RenameUnused(std::size_t Entry)
 	}
 }
 
+/** Of each entry, whether it is the name of an object that gets another, whatever its number. */
+std::vector<bool> FNameTableEdit::EntriesOfObjects(const FPackageRename& Rename) const
+{
+	std::unordered_set<std::string> Names;
+	for (const auto& [Old, New] : Rename.Objects)
+	{
+		if (Old != New)
+		{
+			const std::string Name = ToLowerAscii(SplitNameNumber(Old).Entry);
+			Names.insert(Name);
+			Names.insert("default__" + Name);
+		}
+	}
+	std::vector<bool> Found;
+	for (const FEntry& Each : Entries)
+	{
+		Found.push_back(!Names.empty() && Names.contains(ToLowerAscii(Each.Text)));
+	}
+	return Found;
+}
+
+/** Whether the data may name the package with such an object right behind it, as paths of objects are written. */
+bool FNameTableEdit::HasObjectsInData(std::size_t Entry, const FPackageRename& Rename) const
+{
+	const std::vector<bool> IsObject = EntriesOfObjects(Rename);
+	const auto Index = static_cast<std::uint32_t>(Entry);
+	std::uint32_t Field[4] = {};
+	for (std::size_t At = 0; At + sizeof(Field) <= Data.size(); ++At)
+	{
+		std::memcpy(Field, Data.data() + At, sizeof(Field));
+		if (Field[0] == Index && Field[2] < IsObject.size() && IsObject[Field[2]])
+		{
+			return true;
+		}
+	}
+	const bool bAny = std::any_of(
+		Rename.Objects.begin(), Rename.Objects.end(), [](const auto& Object) { return Object.first != Object.second; });
+	return Data.empty() && bAny;
+}
+
 /** Data that names a package next to one of its objects has the package's name follow, but not the object's. */
 void FNameTableEdit::NoteObjectsInData(std::size_t Entry, const std::string& Package)
 {
 	const FPackageRename* Rename = IsForData(Entry) ? Renames.Find(Package) : nullptr;
-	const bool bObjects = Rename != nullptr && std::any_of(Rename->Objects.begin(), Rename->Objects.end(),
-												   [](const auto& Object) { return Object.first != Object.second; });
-	if (bObjects)
+	if (Rename != nullptr && HasObjectsInData(Entry, *Rename))
 	{
 		PossiblyStale.push_back(Package);
 	}

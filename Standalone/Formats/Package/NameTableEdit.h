@@ -52,6 +52,8 @@ private:
 	void ReadEntries();
 	bool IsForData(std::size_t Entry) const { return Entry < DataCount; }
 	bool CanRenameInPlace(std::size_t Entry, const std::vector<const FNameChange*>& Uses) const;
+	std::vector<bool> EntriesOfObjects(const FPackageRename& Rename) const;
+	bool HasObjectsInData(std::size_t Entry, const FPackageRename& Rename) const;
 	void NoteObjectsInData(std::size_t Entry, const std::string& Package);
 	void RenameInPlace(std::size_t Entry, std::string NewText);
 	std::uint32_t FindOrAdd(std::string_view Text);

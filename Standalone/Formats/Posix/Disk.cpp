@@ -48,6 +48,11 @@ std::int64_t FDisk::TimeOf(const fs::path& Path, std::error_code& OutError)
 	return std::chrono::duration_cast<std::chrono::nanoseconds>(SinceEpoch).count();
 }
 
+fs::path FDisk::Spelled(const fs::path& /*Folder*/, const fs::path& Below)
+{
+	return Below;
+}
+
 fs::path FDisk::RealPath(const fs::path& Path, std::error_code& OutError)
 {
 	return fs::canonical(Path, OutError);

@@ -99,6 +99,23 @@ std::int64_t FDisk::TimeOf(const fs::path& Path, std::error_code& OutError)
 	return (Ticks - TicksFrom1601To1970) * 100;
 }
 
+fs::path FDisk::Spelled(const fs::path& Folder, const fs::path& Below)
+{
+	fs::path Result;
+	for (const fs::path& Name : Below)
+	{
+		WIN32_FIND_DATAW Found = {};
+		const HANDLE Search = ::FindFirstFileW(WidePath(Folder / Result / Name).c_str(), &Found);
+		if (Search == INVALID_HANDLE_VALUE)
+		{
+			return Below;
+		}
+		::FindClose(Search);
+		Result /= Found.cFileName;
+	}
+	return Result;
+}
+
 fs::path FDisk::RealPath(const fs::path& Path, std::error_code& OutError)
 {
 	const FWinHandle Entry = OpenExisting(Path, FILE_READ_ATTRIBUTES, FILE_FLAG_BACKUP_SEMANTICS);

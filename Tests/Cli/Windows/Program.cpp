@@ -165,6 +165,21 @@ void FProgram::Signal(int /*Number*/) const
 	::GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, Running->Id);
 }
 
+void FProgram::Kill() const
+{
+	::TerminateProcess(Running->Process.Get(), static_cast<UINT>(Killed));
+}
+
+bool FProgram::AwaitOnTerminal(std::string_view /*Text*/)
+{
+	throw std::runtime_error("no terminals are played here");
+}
+
+void FProgram::Type(std::string_view /*Keys*/) const
+{
+	throw std::runtime_error("no terminals are played here");
+}
+
 FProgramEnd FProgram::Wait()
 {
 	const auto Milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(MostTime).count();

@@ -182,6 +182,21 @@ void LogUsedPackages(const FQVDependencyResult& Result)
 	}
 }
 
+/** What such a package refers to is not known; empty if all of the mod's could be read. */
+std::string FindUnreadable(const std::string& ContentDir)
+{
+	std::vector<FQVUnreadablePackage> Unreadable;
+	FQVEngine::Get().AssetRegistry->GetUnreadablePackages(Unreadable);
+	for (const FQVUnreadablePackage& Each : Unreadable)
+	{
+		if (FQVString::StartsWithIgnoreCase(Each.File, ContentDir + "/"))
+		{
+			return QVPrintf("It is not known what this refers to: %s %s", Each.File, Each.Reason);
+		}
+	}
+	return {};
+}
+
 FQVDependencyResult Failed(EQVLogVerbosity Verbosity, std::string Message)
 {
 	QVLog(Verbosity, "QVMap: %s", Message);
@@ -209,6 +224,10 @@ FQVDependencyResult FQVMapDependencyAnalyzer::AnalyzeDependencies(std::string_vi
 	if (Maps.empty())
 	{
 		return Failed(EQVLogVerbosity::Warning, QVPrintf("No maps found in plugin: %s", PluginName));
+	}
+	if (std::string Unreadable = FindUnreadable(ContentDir); !Unreadable.empty())
+	{
+		return Failed(EQVLogVerbosity::Warning, std::move(Unreadable));
 	}
 	QVLog(EQVLogVerbosity::Log, "QVMap: Analyzing dependencies for %d map(s) in %s", Maps.size(), PluginName);
 	FDependencyWalk Walk(Maps);

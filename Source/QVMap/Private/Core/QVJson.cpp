@@ -177,22 +177,38 @@ bool FQVJson::GetBool(std::string_view Key) const
 	return Number != nullptr ? *Number != 0.0 : Member->AsBool() != nullptr && *Member->AsBool();
 }
 
-std::string FQVJson::GetString(std::string_view Key) const
+std::optional<std::string> FQVJson::ToText() const
 {
-	const FQVJson* Member = Find(Key);
-	if (Member == nullptr)
-	{
-		return {};
-	}
-	if (const double* Number = Member->AsNumber())
+	if (const double* Number = AsNumber())
 	{
 		return QVPrintf("%.17g", *Number);
 	}
-	if (const bool* bMember = Member->AsBool())
+	if (const bool* bValue = AsBool())
 	{
-		return std::string(FQVString::BoolWord(*bMember));
+		return std::string(FQVString::BoolWord(*bValue));
 	}
-	return Member->AsString() != nullptr ? *Member->AsString() : std::string();
+	return AsString() != nullptr ? std::optional(*AsString()) : std::nullopt;
+}
+
+std::string FQVJson::GetString(std::string_view Key) const
+{
+	const FQVJson* Member = Find(Key);
+	return Member != nullptr ? Member->ToText().value_or(std::string()) : std::string();
+}
+
+std::vector<std::string> FQVJson::GetStrings(std::string_view Key) const
+{
+	std::vector<std::string> Result;
+	const FQVJson* Member = Find(Key);
+	const FArray* Elements = Member != nullptr ? Member->AsArray() : nullptr;
+	for (std::size_t Index = 0; Elements != nullptr && Index < Elements->size(); ++Index)
+	{
+		if (std::optional<std::string> Text = (*Elements)[Index].ToText())
+		{
+			Result.push_back(std::move(*Text));
+		}
+	}
+	return Result;
 }
 
 bool operator==(const FQVJson& A, const FQVJson& B)

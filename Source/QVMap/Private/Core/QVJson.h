@@ -70,6 +70,8 @@ public:
 	/** Converting reads, as GetBoolField and GetStringField do it: "yes", "on" and a non-zero number are true. */
 	bool GetBool(std::string_view Key) const;
 	std::string GetString(std::string_view Key) const;
+	/** The elements of an array member that are strings, numbers or booleans. */
+	std::vector<std::string> GetStrings(std::string_view Key) const;
 
 	/** The engine's pretty form: tabs, CRLF, no line end after the last brace. Not for deeper nesting than a reader
 	 * gave. */
@@ -78,6 +80,9 @@ public:
 	friend bool operator==(const FQVJson&, const FQVJson&);
 
 private:
+	/** A string, number or boolean as text. */
+	std::optional<std::string> ToText() const;
+
 	std::variant<std::monostate, bool, double, std::string, FArray, FObject> Value;
 };
 

@@ -27,6 +27,19 @@ std::string ReplaceWith(std::string_view Text, std::string_view From, std::strin
 	}
 	return Result.append(Text);
 }
+/** All that Unicode calls white space, as it stands in UTF-8. */
+constexpr std::string_view WhiteSpace[] = {" ", "\t", "\n", "\v", "\f", "\r", "\xC2\x85", "\xC2\xA0", "\xE1\x9A\x80",
+	"\xE2\x80\x80", "\xE2\x80\x81", "\xE2\x80\x82", "\xE2\x80\x83", "\xE2\x80\x84", "\xE2\x80\x85", "\xE2\x80\x86",
+	"\xE2\x80\x87", "\xE2\x80\x88", "\xE2\x80\x89", "\xE2\x80\x8A", "\xE2\x80\xA8", "\xE2\x80\xA9", "\xE2\x80\xAF",
+	"\xE2\x81\x9F", "\xE3\x80\x80"};
+
+/** How many bytes of white space stand at the start, or at the end; 0 if none. */
+std::size_t SpaceAt(std::string_view Text, bool bAtStart)
+{
+	const auto Found = std::find_if(std::begin(WhiteSpace), std::end(WhiteSpace),
+		[&](std::string_view Space) { return bAtStart ? Text.starts_with(Space) : Text.ends_with(Space); });
+	return Found == std::end(WhiteSpace) ? 0 : Found->size();
+}
 } // namespace
 
 std::string FQVString::ToLower(std::string_view Text)
@@ -94,6 +107,14 @@ std::string FQVString::ReplaceAllIgnoreCase(std::string_view Text, std::string_v
 	return ReplaceWith(Text, From, To, FindIgnoreCase);
 }
 
+std::string_view FQVString::Trim(std::string_view Text)
+{
+	constexpr std::string_view Blanks = " \t\r\n";
+	const std::size_t First = std::min(Text.find_first_not_of(Blanks), Text.size());
+	Text.remove_prefix(First);
+	return Text.substr(0, Text.find_last_not_of(Blanks) + 1);
+}
+
 std::string FQVString::Join(std::span<const std::string> Parts, std::string_view Separator)
 {
 	std::string Result;
@@ -102,6 +123,34 @@ std::string FQVString::Join(std::span<const std::string> Parts, std::string_view
 		Result.append(Index == 0 ? std::string_view() : Separator).append(Parts[Index]);
 	}
 	return Result;
+}
+
+std::vector<std::string_view> FQVString::Split(std::string_view Text, char Separator)
+{
+	std::vector<std::string_view> Pieces;
+	while (!Text.empty())
+	{
+		const std::size_t End = std::min(Text.find(Separator), Text.size());
+		if (End > 0)
+		{
+			Pieces.push_back(Text.substr(0, End));
+		}
+		Text.remove_prefix(std::min(End + 1, Text.size()));
+	}
+	return Pieces;
+}
+
+std::string_view FQVString::TrimStartAndEnd(std::string_view Text)
+{
+	while (const std::size_t Length = SpaceAt(Text, true))
+	{
+		Text.remove_prefix(Length);
+	}
+	while (const std::size_t Length = SpaceAt(Text, false))
+	{
+		Text.remove_suffix(Length);
+	}
+	return Text;
 }
 
 std::vector<std::string_view> FQVString::NonEmptyLines(std::string_view Text)

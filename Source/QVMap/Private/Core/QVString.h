@@ -30,7 +30,13 @@ struct FQVString
 	static std::string ReplaceAll(std::string_view Text, std::string_view From, std::string_view To);
 	/** As ReplaceAll, finding From ignoring case. */
 	static std::string ReplaceAllIgnoreCase(std::string_view Text, std::string_view From, std::string_view To);
+	/** Without blanks, tabs and line ends around it. */
+	static std::string_view Trim(std::string_view Text);
 	static std::string Join(std::span<const std::string> Parts, std::string_view Separator);
+	/** The pieces between separators; empty ones are dropped. Views into Text. */
+	static std::vector<std::string_view> Split(std::string_view Text, char Separator);
+	/** Without the white space at its ends, Unicode's too. A view into Text. */
+	static std::string_view TrimStartAndEnd(std::string_view Text);
 	/** The lines of a text, ended by LF or CRLF; empty ones are dropped. Views into Text. */
 	static std::vector<std::string_view> NonEmptyLines(std::string_view Text);
 	/** The last Count characters (code points, not bytes) of a text; all of it if it is shorter. */

@@ -29,7 +29,7 @@ FQVDiagnosticFinding TellNoRecord()
 		return Group.Make(
 			Info, Id, std::move(Title), Group.Text("ExportNone", "Nothing has been exported from this project yet."));
 	}
-	FQVDiagnosticFinding Finding = Group.Make(Warning, Id, std::move(Title),
+	FQVDiagnosticFinding Finding = Group.Make(Info, Id, std::move(Title),
 		Group.Text("ExportUnreadable", "The record could not be read: {0}", Path),
 		Group.Text("ExportUnreadableRemedy", "The next export writes a new one."));
 	Group.OfferFile(Finding, Group.Text("OpenRecord", "Open Record"), Path);
@@ -53,7 +53,7 @@ FQVDiagnosticFinding TellOutcome(const FQVLastExportRecord& Record)
 		return Group.Pass(
 			Id, std::move(Title), Group.Text("ExportSucceeded", "'{0}' was exported {1}.", Record.PluginName, Time));
 	}
-	FQVDiagnosticFinding Finding = Group.Make(Warning, Id, std::move(Title),
+	FQVDiagnosticFinding Finding = Group.Make(Info, Id, std::move(Title),
 		Group.Text("ExportFailed", "The export of '{0}' {1} failed while {2}: {3}", Record.PluginName, Time,
 			Record.FailedStage, Record.ErrorMessage),
 		Group.Text("ExportFailedRemedy", "Remove the reason and export again."));
@@ -70,7 +70,7 @@ FQVDiagnosticFinding TellPak(const FQVLastExportRecord& Record)
 	FQVText Title = Group.Text("ExportPakTitle", "Pak still there");
 	if (!Files().FileExists(Record.PakPath))
 	{
-		return Group.Make(Warning, Id, std::move(Title),
+		return Group.Make(Info, Id, std::move(Title),
 			Group.Text("ExportPakGone", "No longer there: {0}", Record.PakPath),
 			Group.Text("ExportPakGoneRemedy", "Export again to get a new one."));
 	}

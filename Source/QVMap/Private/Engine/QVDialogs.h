@@ -39,8 +39,16 @@ public:
 	/** Never null. */
 	virtual std::shared_ptr<IQVNotification> AddNotification(const FQVNotificationInfo& Info) = 0;
 
+	/** A window is open that keeps the user from all others. */
+	virtual bool IsModalWindowActive() const { return false; }
 	/** Whether there is a desktop that could show a file dialog at all. */
 	virtual bool HasDesktop() const = 0;
 	/** One file to open; nothing when the user cancels. FileTypes as "Executable Files (*.exe)|*.exe". */
 	virtual std::optional<std::string> OpenFileDialog(std::string_view Title, std::string_view FileTypes) = 0;
+	/** Several files, in the order in which they were picked; none when the user cancels. By default one. */
+	virtual std::vector<std::string> OpenFilesDialog(std::string_view Title, std::string_view FileTypes)
+	{
+		const std::optional<std::string> File = OpenFileDialog(Title, FileTypes);
+		return File ? std::vector{*File} : std::vector<std::string>();
+	}
 };

@@ -10,6 +10,7 @@ class IQVEditor;
 class IQVFiles;
 class IQVGameThread;
 class IQVHttp;
+class IQVImages;
 class IQVJsonReader;
 class IQVPackages;
 class IQVPlugins;
@@ -34,6 +35,7 @@ struct FQVEngine
 	IQVFiles* Files = nullptr;
 	IQVGameThread* GameThread = nullptr;
 	IQVHttp* Http = nullptr;
+	IQVImages* Images = nullptr;
 	IQVJsonReader* JsonReader = nullptr;
 	IQVPackages* Packages = nullptr;
 	IQVPlugins* Plugins = nullptr;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Core/QVEvent.h"
 #include "Engine/QVAssetRegistry.h"
 
 #include <span>
@@ -106,6 +107,8 @@ public:
 		}
 		return Results;
 	}
+	/** The handler is called for each package that was saved, inside the save, as long as the subscription is held. */
+	[[nodiscard]] virtual FQVSubscription OnPackageSaved(std::function<void(FQVName Package)> Handler) = 0;
 	/** Loaded packages anew from their files, without their unsaved changes. Message: what the engine has to say of it.
 	 */
 	virtual void ReloadPackages(std::span<const FQVName> Packages, std::string& OutMessage) = 0;

@@ -24,6 +24,44 @@ IQVFiles& Files()
 	return *FQVEngine::Get().Files;
 }
 
+void ReloadRepointed(const FQVImportResult& Import)
+{
+	IQVPackages& Packages = *FQVEngine::Get().Packages;
+	std::vector<FQVName> Loaded;
+	for (const FQVImportBackup& Backup : Import.Backups)
+	{
+		if (Packages.IsLoaded(Backup.Package))
+		{
+			Loaded.push_back(Backup.Package);
+		}
+	}
+	std::string Message;
+	Packages.ReloadPackages(Loaded, Message);
+	if (!Message.empty())
+	{
+		QVLog(EQVLogVerbosity::Warning, "QVMap: Reload after packing reported: %s", Message);
+	}
+}
+
+void DeleteLoadedCopies(const FQVImportResult& Import)
+{
+	IQVPackages& Packages = *FQVEngine::Get().Packages;
+	std::vector<FQVName> Loaded;
+	for (const FQVImportedPackage& Copy : Import.Imported)
+	{
+		if (Packages.IsLoaded(Copy.Imported))
+		{
+			Packages.SetDirtyFlag(Copy.Imported, false);
+			Loaded.push_back(Copy.Imported);
+		}
+	}
+	if (!Loaded.empty())
+	{
+		FQVEngine::Get().Editor->FinishAllCompilation();
+		Packages.DeleteAssets(Loaded);
+	}
+}
+
 class FRestore
 {
 public:
@@ -42,8 +80,8 @@ public:
 							"rather than deleted. The originals are in %s.",
 				PluginName, FQVMapImportPaths::GetJournalFolder(PluginName));
 		}
-		ReloadRepointed();
-		DeleteLoadedCopies();
+		ReloadRepointed(Result);
+		DeleteLoadedCopies(Result);
 		DeleteCopies();
 		if (!bAllGood)
 		{
@@ -93,42 +131,6 @@ private:
 		FQVEngine::Get().AssetRegistry->ScanModifiedAssetFiles(Originals);
 	}
 
-	void ReloadRepointed() const
-	{
-		std::vector<FQVName> Loaded;
-		for (const FQVImportBackup& Backup : Result.Backups)
-		{
-			if (Packages.IsLoaded(Backup.Package))
-			{
-				Loaded.push_back(Backup.Package);
-			}
-		}
-		std::string Message;
-		Packages.ReloadPackages(Loaded, Message);
-		if (!Message.empty())
-		{
-			QVLog(EQVLogVerbosity::Warning, "QVMap: Reload after packing reported: %s", Message);
-		}
-	}
-
-	void DeleteLoadedCopies() const
-	{
-		std::vector<FQVName> Loaded;
-		for (const FQVImportedPackage& Copy : Result.Imported)
-		{
-			if (Packages.IsLoaded(Copy.Imported))
-			{
-				Packages.SetDirtyFlag(Copy.Imported, false);
-				Loaded.push_back(Copy.Imported);
-			}
-		}
-		if (!Loaded.empty())
-		{
-			FQVEngine::Get().Editor->FinishAllCompilation();
-			Packages.DeleteAssets(Loaded);
-		}
-	}
-
 	void DeleteCopies()
 	{
 		for (const std::string& File : FQVMapImportUndo::DeleteCopies(Result.Imported))
@@ -139,7 +141,7 @@ private:
 	}
 };
 
-/** Work of a recovery, on files alone. */
+/** Work of a recovery, on files alone: what is loaded of them is taken from them anew afterwards. */
 class FRecovery
 {
 public:
@@ -255,6 +257,8 @@ bool FQVMapImportRestore::RecoverInterruptedImport(std::string_view PluginName, 
 	const bool bRecovered = FRecovery(PluginName, Import).Run();
 	if (bRecovered)
 	{
+		ReloadRepointed(Import); // an earlier pack of this session could not put them back
+		DeleteLoadedCopies(Import);
 		OutRecovered.emplace_back(PluginName);
 	}
 	return bRecovered;

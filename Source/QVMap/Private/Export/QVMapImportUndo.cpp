@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Export/QVMapImportUndo.h"
 
+#include "Core/QVLog.h"
 #include "Core/QVPath.h"
 #include "Engine/QVEngine.h"
 #include "Engine/QVFiles.h"
@@ -34,6 +35,22 @@ bool PrepareToPutBack(const FQVImportBackup& Backup)
 					   FQVMapForeignFiles::Keep(Backup.Original);
 	return bKept && FQVMapPaths::EnsureDirectory(FQVPath::GetPath(Backup.Original));
 }
+
+/** A mod that was renamed or moved away meanwhile would come to stand there twice, one of them with the copies. */
+bool HasModFolder(const FQVImportBackup& Backup)
+{
+	const std::string_view Package = Backup.Package.ToView();
+	const std::string_view Mod = Package.substr(1, Package.find('/', 1) - 1);
+	return Files().DirectoryExists(FQVPath::Combine(FQVMapPaths::GetPluginsDir(), Mod));
+}
+
+void TellModFolderGone(const FQVImportBackup& Backup)
+{
+	QVLog(EQVLogVerbosity::Error,
+		"QVMap: The folder of the mod that held %s is not there any more. Move it back to have its original files put "
+		"back; if it was deleted on purpose, delete the originals too: %s",
+		Backup.Original, FQVPath::GetPath(Backup.Backup));
+}
 } // namespace
 
 bool FQVMapImportUndo::IsThere(const std::string& File)
@@ -53,6 +70,11 @@ bool FQVMapImportUndo::IsThere(const std::string& File)
 
 std::vector<const FQVImportBackup*> FQVMapImportUndo::PutBack(std::span<const FQVImportBackup* const> Backups)
 {
+	if (!Backups.empty() && !HasModFolder(*Backups.front()))
+	{
+		TellModFolderGone(*Backups.front());
+		return {Backups.begin(), Backups.end()};
+	}
 	std::vector<const FQVImportBackup*> Tried;
 	std::vector<const FQVImportBackup*> Failed;
 	std::vector<FQVFileCopy> Copies;

@@ -1,204 +1,167 @@
 // SPDX-License-Identifier: MIT
 #include "HandOff/QVMapPlaytest.h"
 
+#include "Content/QVMapDependencyAnalyzer.h"
 #include "Core/QVCheck.h"
 #include "Core/QVLog.h"
-#include "Core/QVPath.h"
 #include "Core/QVString.h"
+#include "Diagnostics/QVMapPreflight.h"
+#include "Engine/QVDialogs.h"
+#include "Engine/QVEditor.h"
 #include "Engine/QVEngine.h"
-#include "Engine/QVFiles.h"
 #include "Engine/QVGameThread.h"
-#include "Engine/QVProcesses.h"
-#include "Engine/QVShell.h"
+#include "Export/QVMapImportVerification.h"
+#include "HandOff/QVMapBaseReleaseGates.h"
+#include "HandOff/QVMapContentGates.h"
+#include "HandOff/QVMapExportRun.h"
 #include "Workspace/QVMapConfig.h"
+#include "Workspace/QVMapReadiness.h"
 
 namespace
 {
-/** What a shell call gives at most when it failed. */
-constexpr int LastShellError = 32;
+constexpr std::string_view TextNamespace = "QVMap";
 
-/** How the log speaks of one kind of request. */
-struct FLaunchTexts
+/** The map that is open in the editor, and whether it is the one to be packed. */
+struct FOpenMap
 {
-	TQVFormat<> SentToPipe;
-	std::string_view DemoLabel;
-	TQVFormat<std::string, std::string> LaunchingExe;
-	TQVFormat<> LaunchedExe;
-	std::string_view GameLabel;
-	TQVFormat<> DeepLinkDispatched;
-	TQVFormat<int> DeepLinkFailed;
-};
+	const IQVWorld* World = nullptr;
+	bool bRequested = false;
 
-constexpr FLaunchTexts LoadTexts = {
-	.SentToPipe = "QVMap: Sent to running game via named pipe",
-	.DemoLabel = "demo",
-	.LaunchingExe = "QVMap: Launching with configured exe: %s %s",
-	.LaunchedExe = "QVMap: Game launched successfully!",
-	.GameLabel = "game",
-	.DeepLinkDispatched = "QVMap: Deep link dispatched",
-	.DeepLinkFailed = "QVMap: Deep link failed with error %d",
-};
-
-constexpr FLaunchTexts UploadTexts = {
-	.SentToPipe = "QVMap: Workshop upload sent to running game via pipe",
-	.DemoLabel = "demo for Workshop upload",
-	.LaunchingExe = "QVMap: Launching game for Workshop upload: %s %s",
-	.LaunchedExe = "QVMap: Game launched for Workshop upload",
-	.GameLabel = "game for Workshop upload",
-	.DeepLinkDispatched = "QVMap: Workshop deep link dispatched",
-	.DeepLinkFailed = "QVMap: Workshop deep link failed with error %d",
-};
-
-/** One request in the two forms that the game understands. */
-struct FGameRequest
-{
-	/** The pipe's message too. */
-	std::string DeepLink;
-	std::string CommandLine;
-};
-
-bool StaysInUrl(char Letter)
-{
-	const char Lower = FQVString::ToLower(Letter);
-	return (Lower >= 'a' && Lower <= 'z') || (Letter >= '0' && Letter <= '9') ||
-		   std::string_view("-./:_~").find(Letter) != std::string_view::npos;
-}
-
-/** Stands as it is behind the last parameter of a deep link too: the game looks for it there. */
-std::string_view ConsoleSuffix()
-{
-	return FQVMapConfig::GetRuntimeConsole() ? " -console" : "";
-}
-
-bool SendToPipe(const FGameRequest& Request, const FLaunchTexts& Texts)
-{
-	if (!FQVMapPlaytest::SendToGamePipe(Request.DeepLink))
+	explicit FOpenMap(const FQVPlayRequest& Request)
 	{
+		const IQVEditor* Editor = FQVEngine::Get().Editor;
+		World = Editor == nullptr ? nullptr : Editor->GetOpenWorld();
+		std::string Mod;
+		std::string Map;
+		std::string GamePath;
+		FQVText Refusal;
+		bRequested = FQVMapReadiness::ResolveOpenMap(Mod, Map, Refusal, &GamePath) &&
+					 FQVString::EqualsIgnoreCase(GamePath, Request.GamePath);
+	}
+};
+
+bool HasImported(const std::shared_ptr<FQVImportScope>& Import)
+{
+	return Import != nullptr && !Import->GetResult().Imported.empty();
+}
+
+/** False, with the reason told, if the outside content could not be had. */
+bool PassImport(const FQVPlayRequest& Request, std::shared_ptr<FQVImportScope>& OutImport)
+{
+	if (!FQVMapConfig::GetImportExternalAssets())
+	{
+		return true;
+	}
+	OutImport = std::make_shared<FQVImportScope>(Request.ModName);
+	const FQVImportResult& Result = OutImport->GetResult();
+	if (!Result.bSuccess)
+	{
+		QVLog(EQVLogVerbosity::Error, "QVMap: Could not bring outside content in: %s", Result.ErrorMessage);
+		FQVEngine::Get().Dialogs->ShowMessage({TextNamespace, "ImportFailed",
+			"{0} uses content from outside its own folder, and it could not be brought in for packing:\n\n{1}",
+			Request.ModName, Result.ErrorMessage});
 		return false;
 	}
-	QVLog(EQVLogVerbosity::Log, Texts.SentToPipe);
+	if (HasImported(OutImport))
+	{
+		QVLog(EQVLogVerbosity::Log, "QVMap: Packing %s with %d asset(s) brought in from outside its folder",
+			Request.ModName, Result.Imported.size());
+	}
 	return true;
 }
 
-bool LaunchConfiguredExe(const FGameRequest& Request, const FLaunchTexts& Texts)
+bool PassPreflight(const FQVPlayRequest& Request, const FOpenMap& Open, bool bMayMend, bool& bOutCovered)
 {
-	const std::string Exe = FQVMapConfig::GetGameExePath();
-	const FQVEngine& Engine = FQVEngine::Get();
-	if (Exe.empty() || !Engine.Files->FileExists(Exe))
+	const FQVPreflightResult Result =
+		FQVMapPreflight::Run({Request.ModName, Request.MapName, Open.bRequested, bMayMend});
+	bOutCovered = Result.bRequiredActorsCovered;
+	if (Result.Verdict == EQVPreflightVerdict::Cancelled)
 	{
+		QVLog(EQVLogVerbosity::Log, "QVMap: Export cancelled at the preflight check");
 		return false;
 	}
-	QVLog(EQVLogVerbosity::Log, Texts.LaunchingExe, Exe, Request.CommandLine);
-	FQVProcHandle Game = Engine.Processes->CreateDetachedProc(Exe, Request.CommandLine, FQVPath::GetPath(Exe));
-	if (!Game.IsValid())
-	{
-		QVLog(EQVLogVerbosity::Warning, "QVMap: Failed to launch game exe, falling back");
-		return false;
-	}
-	QVLog(EQVLogVerbosity::Log, Texts.LaunchedExe);
-	Engine.Processes->CloseProc(Game);
 	return true;
 }
 
-void OpenDeepLink(const FGameRequest& Request, const FLaunchTexts& Texts)
+bool PassPlayability(const FQVPlayRequest& Request, const FOpenMap& Open, bool bCovered)
 {
-	QVLog(EQVLogVerbosity::Log, "QVMap: Launching via deep link: %s", Request.DeepLink);
-	const int Result = FQVEngine::Get().Shell->Open(Request.DeepLink);
-	if (Result > LastShellError)
+	if (bCovered || Open.World == nullptr)
 	{
-		QVLog(EQVLogVerbosity::Log, Texts.DeepLinkDispatched);
-		return;
+		return true;
 	}
-	QVLog(EQVLogVerbosity::Error, Texts.DeepLinkFailed, Result);
+	if (!Open.bRequested)
+	{
+		QVLog(EQVLogVerbosity::Log, "QVMap: Playability check skipped - '%s' is not the map open in the editor",
+			Request.GamePath);
+		return true;
+	}
+	return FQVMapContentGates::PassPlayability(Request, *Open.World);
 }
 
-void RunChain(const FGameRequest& Request, const FLaunchTexts& Texts)
+bool PassSupported(const FQVPlayRequest& Request, const FOpenMap& Open, const FQVNameSet& UsedPackages)
 {
-	QV_CHECK(FQVEngine::Get().GameThread->IsInGameThread());
-	// a running game takes the request without a restart, so the settings do not come into it
-	if (SendToPipe(Request, Texts))
+	return FQVMapConfig::GetAlwaysExportAsMod() || Open.World == nullptr ||
+		   FQVMapContentGates::PassSupported(Request, *Open.World, UsedPackages);
+}
+
+/** A file can be replaced behind the editor's back while questions are open. */
+bool PassVerification(const FQVPlayRequest& Request, const std::shared_ptr<FQVImportScope>& Import)
+{
+	const std::string Error =
+		HasImported(Import) ? FQVMapImportVerification::VerifyImportedReferences(Import->GetResult()) : std::string();
+	if (!Error.empty())
 	{
-		return;
+		QVLog(EQVLogVerbosity::Error, "QVMap: Refusing to cook - %s", Error);
+		FQVEngine::Get().Dialogs->ShowMessage(
+			{TextNamespace, "ImportVerifyFailed", "{0} was not packed.\n\n{1}", Request.ModName, Error});
 	}
-	const bool bDemo = FQVMapConfig::GetUseDemoAppId();
-	const auto LaunchOnSteam = [&Request](std::string_view AppId, std::string_view Label)
-	{ return FQVMapPlaytest::LaunchViaSteamUrl(AppId, Request.CommandLine, Label); };
-	if ((bDemo && LaunchOnSteam(FQVMapPlaytest::DemoAppId, Texts.DemoLabel)) || LaunchConfiguredExe(Request, Texts) ||
-		(!bDemo && LaunchOnSteam(FQVMapPlaytest::GameAppId, Texts.GameLabel)))
-	{
-		return;
-	}
-	OpenDeepLink(Request, Texts);
+	return Error.empty();
 }
 } // namespace
 
-void FQVMapPlaytest::LaunchGameWithPak(
-	std::string_view /*ModName*/, std::string_view PakPath, std::string_view MapName, std::string_view GamePath)
+void FQVMapPlaytest::PlayOpenMap()
 {
-	const std::string_view Console = ConsoleSuffix();
-	FGameRequest Request;
-	Request.DeepLink = QVPrintf("quarvel://loadmap?pak=%s&map=%s&mapname=%s%s",
-		UrlEncode(FQVPath::NormalizeFilename(PakPath)), UrlEncode(MapName), UrlEncode(GamePath), Console);
-	Request.CommandLine =
-		QVPrintf("-loadpak=\"%s\" -map=\"%s\" -mapname=\"%s\" -log%s", PakPath, MapName, GamePath, Console);
-	RunChain(Request, LoadTexts);
-}
-
-void FQVMapPlaytest::LaunchGameForWorkshopUpload(std::string_view ConfigPath)
-{
-	const std::string Config = FQVPath::NormalizeFilename(ConfigPath);
-	const std::string_view Console = ConsoleSuffix();
-	FGameRequest Request;
-	Request.DeepLink = QVPrintf("quarvel://workshop_upload?config=%s%s", UrlEncode(Config), Console);
-	Request.CommandLine = QVPrintf("-workshop_upload=\"%s\" -log%s", Config, Console);
-	RunChain(Request, UploadTexts);
-}
-
-bool FQVMapPlaytest::SendToGamePipe(std::string_view Text)
-{
-	switch (FQVEngine::Get().Shell->WriteToPipe(GamePipeName, Text))
+	FQVPlayRequest Request;
+	if (ResolveOpenMap(Request.ModName, Request.MapName, Request.GamePath))
 	{
-	case EQVPipeWrite::Written:
-		return true;
-	case EQVPipeWrite::NotOpened:
-		QVLog(EQVLogVerbosity::Log, "QVMap: Game pipe not available (game not running?)");
-		return false;
-	case EQVPipeWrite::Failed:
-		QVLog(EQVLogVerbosity::Warning, "QVMap: Failed to write to game pipe");
+		Request.bLaunch = true;
+		RunExport(Request);
+	}
+}
+
+bool FQVMapPlaytest::ResolveOpenMap(std::string& OutModName, std::string& OutMapName, std::string& OutGamePath)
+{
+	FQVText Refusal;
+	if (!FQVMapReadiness::ResolveOpenMap(OutModName, OutMapName, Refusal, &OutGamePath))
+	{
+		FQVEngine::Get().Dialogs->ShowMessage(Refusal);
 		return false;
 	}
-	return false;
-}
-
-bool FQVMapPlaytest::LaunchViaSteamUrl(std::string_view AppId, std::string_view Arguments, std::string_view Label)
-{
-	std::string Encoded = FQVString::ReplaceAll(UrlEncode(Arguments), "/", "%2F");
-	Encoded = FQVString::ReplaceAll(Encoded, ":", "%3A");
-	const std::string Url = QVPrintf("steam://run/%s//%s/", AppId, Encoded);
-	QVLog(EQVLogVerbosity::Log, "QVMap: Launching %s via Steam URL: %s", Label, Url);
-	const int Result = FQVEngine::Get().Shell->Open(Url);
-	if (Result <= LastShellError)
-	{
-		QVLog(EQVLogVerbosity::Warning, "QVMap: Steam URL launch failed with error %d, falling back", Result);
-		return false;
-	}
-	QVLog(EQVLogVerbosity::Log, "QVMap: Steam URL dispatched");
+	QVLog(
+		EQVLogVerbosity::Log, "QVMap: Detected plugin: %s, map: %s, GamePath: %s", OutModName, OutMapName, OutGamePath);
 	return true;
 }
 
-std::string FQVMapPlaytest::UrlEncode(std::string_view Text)
+void FQVMapPlaytest::RunExport(const FQVPlayRequest& Request)
 {
-	std::string Encoded;
-	for (const char Letter : Text)
+	QV_CHECK(FQVEngine::Get().GameThread->IsInGameThread());
+	QVLog(EQVLogVerbosity::Log, "QVMap: Starting export for %s (map: %s)...", Request.ModName, Request.GamePath);
+	if (!FQVMapBaseReleaseGates::Pass([Request] { RunExport(Request); }))
 	{
-		if (StaysInUrl(Letter))
-		{
-			Encoded += Letter;
-		}
-		else
-		{
-			Encoded += QVPrintf("%%%02X", static_cast<unsigned char>(Letter));
-		}
+		return;
 	}
-	return Encoded;
+	const FOpenMap Open(Request);
+	// whichever way this ends, the last to let go of it puts the project back
+	std::shared_ptr<FQVImportScope> Import;
+	bool bRequiredActorsCovered = false;
+	if (!PassImport(Request, Import) || !PassPreflight(Request, Open, !HasImported(Import), bRequiredActorsCovered) ||
+		!PassPlayability(Request, Open, bRequiredActorsCovered))
+	{
+		return;
+	}
+	const FQVNameSet UsedPackages = FQVMapDependencyAnalyzer::GatherUsedPackages(Request.ModName);
+	if (PassSupported(Request, Open, UsedPackages) && PassVerification(Request, Import))
+	{
+		FQVMapExportRun::Start(Request, UsedPackages, Import);
+	}
 }

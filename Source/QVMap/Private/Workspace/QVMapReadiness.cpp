@@ -17,21 +17,6 @@ namespace
 {
 constexpr std::string_view Namespace = "FQVMapReadiness";
 
-std::vector<std::string_view> Pieces(std::string_view Path)
-{
-	std::vector<std::string_view> Result;
-	while (!Path.empty())
-	{
-		const std::size_t End = std::min(Path.find('/'), Path.size());
-		if (End != 0)
-		{
-			Result.push_back(Path.substr(0, End));
-		}
-		Path.remove_prefix(std::min(End + 1, Path.size()));
-	}
-	return Result;
-}
-
 FQVText NotOfAPlugin(const std::string& World)
 {
 	return {Namespace, "NotPluginMap",
@@ -84,7 +69,7 @@ bool FQVMapReadiness::ResolveOpenMap(
 		return Refuse({Namespace, "NoMapOpen", "Please open a map first."}, OutError);
 	}
 	const std::string Path(World->GetPathName());
-	const std::vector<std::string_view> Parts = Pieces(Path);
+	const std::vector<std::string_view> Parts = FQVString::Split(Path, '/');
 	if (Parts.size() < 2 || FQVString::EqualsIgnoreCase(Parts.front(), "Game"))
 	{
 		return Refuse(NotOfAPlugin(Path), OutError);
