@@ -93,7 +93,7 @@ std::string FindGraphviz()
 	while (!Rest.empty())
 	{
 		const std::size_t End = std::min(Rest.find(PathSeparator), Rest.size());
-		const std::string File = FQVPath::Combine(Rest.substr(0, End), ProgramName);
+		const std::string File = FQVPath::Combine(FQVPath::NormalizeFilename(Rest.substr(0, End)), ProgramName);
 		if (FQVPath::IsAbsolute(File) && FQVEngine::Get().Files->FileExists(File))
 		{
 			return File;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Tests/Cli/CliTest.h"
 
+#include "Standalone/Engine/OsPath.h"
 #include "Tests/Support/TestPrograms.h"
 
 #include <algorithm>
@@ -62,7 +63,7 @@ TEST_F(FBadTool, WhatItSaidLastIsShown)
 	}
 
 	Project.Write("Saved/QVPak/Output/Cave_0badcafe.pak", "old");
-	std::filesystem::remove(Project.EngineDir() + "/Binaries/Win64/UnrealPak.exe");
+	std::filesystem::remove(QVStandalone::ToOsPath(Project.EngineDir() + "/Binaries/Win64/UnrealPak.exe"));
 	ExpectFailure({"-q", "pack", "Cave", "--yes"},
 		"error: Failed to pack Cave: PAK creation failed: UnrealPak.exe not found: "
 		"<Engine>/Binaries/Win64/UnrealPak.exe\n");
@@ -119,7 +120,7 @@ TEST_F(FBadTool, ADiskThatIsFullWhilePackingIsLeftWithoutAHalfPak)
 		Cook.push_back("write " + Cooked + std::to_string(File) + ".uexp|" + Text);
 	}
 	Project.ScriptEditorCmd(Cook);
-	const std::filesystem::path Tool = Project.EngineDir() + "/Binaries/Win64/UnrealPak.exe";
+	const std::filesystem::path Tool = QVStandalone::ToOsPath(Project.EngineDir() + "/Binaries/Win64/UnrealPak.exe");
 	std::filesystem::remove(Tool);
 	PlaceProgram("Engine/Binaries/Win64/UnrealPak.exe", Tool);
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Tests/Cli/CliTest.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include "Core/QVString.h"
 
@@ -98,6 +99,7 @@ TEST_F(FPakVerb, NamesThatClimbOutAreNotWritten)
 	EXPECT_EQ(All.at("a/b/out/in/side.txt"), "good");
 	EXPECT_FALSE(fs::exists("/abs"));
 
+	QV_SKIP_ON_WINDOWS("the standard library makes no links here");
 	fs::create_directories(Folder / "out3");
 	fs::create_directory_symlink(Temp.Path(), Folder / "out3/in");
 	EXPECT_EQ(Run({"pak", "extract", "climbs.pak", "out3"}).Code, 1);

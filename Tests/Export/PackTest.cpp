@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Export/QVMapPacker.h"
+#include "Tests/Support/TestPrograms.h"
 #include "Tests/Support/ToolkitTest.h"
 
 using namespace QVTest;
@@ -232,7 +233,7 @@ TEST_F(FRealPackTest, JudgesTheToolByItsReturnCodeAndByThePak)
 		{{"raw c3b6e282", "write {1}|pak"}, "", "ö\uFFFD\uFFFD"},
 		{{}, NoFile, ""},
 		{{"print oh", "write {1}|half", "exit 3"}, "UnrealPak failed with return code 3", "oh\n"},
-		{{"abort"}, "UnrealPak failed with return code 134", ""},
+		{{"abort"}, "UnrealPak failed with return code " + std::to_string(AbortCode), ""},
 		{{"write {1}/a folder|"}, NoFile, ""},
 	};
 	for (const auto& Case : Cases)

@@ -255,8 +255,9 @@ TEST_F(AssetRegistry, ScansTheFilesThatItIsToldOf)
 	PutMesh("Plugins/Cave/Content/Maps/New.uasset", "/Cave/Maps/New");
 	Scan({Project.At("Plugins/Cave/Content/Maps/New.uasset"), Project.At("Content/Tools/../Tools/Late.uasset")});
 	EXPECT_TRUE(Has("/Cave/Maps/New") && Has("/Game/Tools/Late"));
-	Scan({"/somewhere/Else.uasset", Project.At("Content/Tools/Late.uasset")});
-	EXPECT_TRUE(Has("/Cave/Maps/New") && Has("/Game/Tools/Late"));
+	PutMesh("Content/Tools/Latest.uasset", "/Game/Tools/Latest");
+	Scan({"X:/somewhere/Else.uasset", Project.At("Content/Tools/Latest.uasset")});
+	EXPECT_TRUE(Has("/Cave/Maps/New") && Has("/Game/Tools/Latest")) << "files on two drives have no folder in common";
 }
 
 TEST_F(AssetRegistry, ScansInTheBackground)

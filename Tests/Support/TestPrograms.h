@@ -46,11 +46,26 @@ inline void ShowFolder(const std::filesystem::path& Folder, const std::filesyste
 #endif
 }
 
-/** That of a test child whose script aborts. */
+/** Whether names of files that differ in upper and lower case alone are two. */
 #ifdef _WIN32
+constexpr bool bNamesHeedCase = false;
+#else
+constexpr bool bNamesHeedCase = true;
+#endif
+
+/** The return codes of a test child that is ended by a signal, and of one that aborts. */
+#ifdef _WIN32
+constexpr int SignalCode(int Number)
+{
+	return Number;
+}
 constexpr int AbortCode = static_cast<int>(0xC0000005);
 #else
-constexpr int AbortCode = 128 + 6;
+constexpr int SignalCode(int Number)
+{
+	return 128 + Number;
+}
+constexpr int AbortCode = SignalCode(6);
 #endif
 
 /** Where the running game listens: in the folder for such things, or, on Windows, at the one place of the machine. */

@@ -84,7 +84,7 @@ void FTestProject::MakeFolder(std::string_view Relative) const
 
 void FTestProject::Remove(std::string_view Relative) const
 {
-	fs::remove_all(QVStandalone::ToOsPath(At(Relative)));
+	RemoveAll(QVStandalone::ToOsPath(At(Relative)));
 }
 
 std::vector<std::string> FTestProject::FilesIn(std::string_view Relative) const

@@ -53,7 +53,7 @@ TEST_F(FOnWindows, APakThatTheGameHasOpenStaysAndTheLogTellsSo)
 {
 	EnterSample();
 	BuildRelease();
-	ASSERT_EQ(Run({"-q", "pack", "Harbor"}).Code, 0);
+	ASSERT_EQ(Run({"-q", "pack", "Docks"}).Code, 0);
 	ASSERT_EQ(Paks().size(), 1);
 	const fs::path Old = Paks()[0];
 	{
@@ -61,12 +61,12 @@ TEST_F(FOnWindows, APakThatTheGameHasOpenStaysAndTheLogTellsSo)
 			::CreateFileW(WidePath(Old).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr));
 		ASSERT_TRUE(Game.IsValid());
 		Put("Plugins/Harbor/Content/note.txt", "so that the next pak is another one");
-		const FProgramEnd End = Run({"-v", "pack", "Harbor"});
+		const FProgramEnd End = Run({"-v", "pack", "Docks"});
 		EXPECT_EQ(End.Code, 0) << End.Err;
 		EXPECT_NE(End.Err.find("QVMap: Could not delete old PAK (likely locked): "), std::string::npos) << End.Err;
 		EXPECT_TRUE(fs::exists(Old));
 	}
-	EXPECT_EQ(Run({"-q", "pack", "Harbor"}).Code, 0);
+	EXPECT_EQ(Run({"-q", "pack", "Docks"}).Code, 0);
 	EXPECT_FALSE(fs::exists(Old));
 	EXPECT_EQ(Paks().size(), 1);
 }
@@ -84,7 +84,7 @@ TEST_F(FOnWindows, AModOfAnyNameAndAReadOnlyDescriptorArePacked)
 	::SetFileAttributesW(WidePath(Descriptor).c_str(), FILE_ATTRIBUTE_NORMAL);
 	BuildRelease();
 	::SetFileAttributesW(WidePath(Descriptor).c_str(), FILE_ATTRIBUTE_READONLY);
-	EXPECT_EQ(Run({"-q", "pack", "Harbor"}).Code, 0);
+	EXPECT_EQ(Run({"-q", "pack", "Docks"}).Code, 0);
 	::SetFileAttributesW(WidePath(Descriptor).c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
@@ -97,7 +97,7 @@ TEST_F(FOnWindows, AModFolderOfAnyLettersIsFoundAndNamed)
 	Expect({"maps"}, 0,
 		"Cave  (1 map)\n  /Cave/Maps/Hall\nZoë 東京  (2 maps)\n  /Zoë 東京/Maps/Docks\n  /Zoë 東京/Maps/Pier\n", "");
 	BuildRelease();
-	const FProgramEnd Pack = Run({"-q", "pack", "Zoë 東京"});
+	const FProgramEnd Pack = Run({"-q", "pack", "Docks"});
 	EXPECT_EQ(Pack.Code, 1);
 	EXPECT_NE(
 		Pack.Err.find("Plugins/Zoë 東京/Content/Meshes/Boat.uasset has \" \" in its name, which no package may have"),
