@@ -59,6 +59,10 @@ protected:
 
 TEST_F(FPackAtWork, AnInterruptDuringTheCookPutsTheProjectBack)
 {
+	if (!FProgram::CanSignal())
+	{
+		GTEST_SKIP() << "there is no console for Ctrl-Break";
+	}
 	for (const int Signal : {SIGINT, SIGTERM})
 	{
 		Project.Remove("Saved/QVPak/Temp/working on Cave");

@@ -160,6 +160,11 @@ void FProgram::RunChild(const FProgramStart& Start, int OutEnd, int ErrEnd) cons
 	::_exit(126);
 }
 
+bool FProgram::CanSignal()
+{
+	return true;
+}
+
 void FProgram::Signal(int Number) const
 {
 	::kill(Id, Number);

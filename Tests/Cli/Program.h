@@ -47,7 +47,8 @@ public:
 	FProgram(const FProgram&) = delete;
 	FProgram& operator=(const FProgram&) = delete;
 
-	/** On Windows any is what Ctrl-Break is. */
+	/** Needs a console on Windows, where any is what Ctrl-Break is. */
+	static bool CanSignal();
 	void Signal(int Number) const;
 	/** The program alone, with no time to tidy up; its code is Killed then. */
 	void Kill() const;

@@ -160,6 +160,11 @@ FProgram::FProgram(const FProgramStart& Start)
 
 FProgram::~FProgram() = default;
 
+bool FProgram::CanSignal()
+{
+	return ::GetConsoleCP() != 0;
+}
+
 void FProgram::Signal(int /*Number*/) const
 {
 	::GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, Running->Id);

@@ -2,7 +2,10 @@
 #include "Tests/Cli/CliTest.h"
 
 #include "Core/QVString.h"
+#include "Standalone/Engine/OsFile.h"
 #include "Standalone/Engine/OsPath.h"
+#include "Standalone/Formats/Base/Disk.h"
+#include "Standalone/Formats/Base/PathText.h"
 #include "Standalone/Formats/Windows/Win32.h"
 
 using namespace QVTest;
@@ -103,4 +106,28 @@ TEST_F(FOnWindows, AModFolderOfAnyLettersIsFoundAndNamed)
 		Pack.Err.find("Plugins/Zoë 東京/Content/Meshes/Boat.uasset has \" \" in its name, which no package may have"),
 		std::string::npos)
 		<< Pack.Err;
+}
+
+TEST_F(FOnWindows, AProjectBelowThreeHundredLettersIsPacked)
+{
+	const std::string Step = "eine sehr tiefe Höhle";
+	std::string Project = Step;
+	while (Text(Temp.Path()).size() + Project.size() < 300)
+	{
+		Project += "/" + Step;
+	}
+	for (const FWords& Words : {FWords{"sample", Project}, FWords{"base-release", "build", "--project", Project}})
+	{
+		const FProgramEnd End = Run(Words);
+		EXPECT_EQ(End.Code, 0) << End.Err;
+	}
+	const FProgramEnd Pack = Run({"-q", "pack", "Docks", "--project", Project});
+	EXPECT_EQ(Pack.Code, 0) << Pack.Err;
+	const std::string Pak = Project + "/Saved/QVPak/Output/";
+	const std::string OutHead = "pak  <T>/" + Pak;
+	ASSERT_TRUE(Pack.Out.starts_with(OutHead)) << Pack.Out;
+	const auto Found = FDisk::List(Temp.Path() / PathFromUtf8(Pak));
+	ASSERT_EQ(Found.size(), 1);
+	EXPECT_EQ(Run({"pak", "verify", Text(Found[0].Path)}).Code, 0);
+	EXPECT_FALSE(QVStandalone::RemoveTree(Temp.Path() / PathFromUtf8(Step)));
 }

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/Shell.h"
 
-#include "HandOff/QVMapPlaytest.h"
 #include "Standalone/Formats/Windows/Win32.h"
 #include "Tests/Standalone/TestFiles.h"
-#include "Tests/Support/ToolkitTest.h"
+#include "Tests/Support/RecordingLog.h"
+#include "Tests/Support/TestPrograms.h"
+
+#include <gtest/gtest.h>
 
 #include <future>
 #include <thread>
@@ -121,15 +123,45 @@ TEST_F(Shell, WhatTheDesktopCannotOpenIsTold)
 	EXPECT_LE(Desktop.Open("no-such-scheme-of-ours://x"), 32);
 }
 
-struct GameLaunch : QVTest::FToolkitTest
+/** A scheme of addresses that a program of ours opens, for the user who runs the tests. */
+class FOwnScheme
 {
+public:
+	explicit FOwnScheme(const std::string& Program)
+	{
+		Set("", "URL Protocol", "");
+		Set("\\shell\\open\\command", "", "\"" + Program + "\" \"%1\"");
+	}
+	FOwnScheme(const FOwnScheme&) = delete;
+	FOwnScheme& operator=(const FOwnScheme&) = delete;
+	~FOwnScheme() { ::RegDeleteTreeW(HKEY_CURRENT_USER, ToWide(Key).c_str()); }
+
+	const std::string Name = "qvmap-test-" + std::to_string(::GetCurrentProcessId());
+
+private:
+	const std::string Key = "Software\\Classes\\" + Name;
+
+	void Set(const std::string& Below, const std::string& Value, const std::string& Text) const
+	{
+		const std::wstring Wide = ToWide(Text);
+		EXPECT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, ToWide(Key + Below).c_str(), ToWide(Value).c_str(), REG_SZ,
+					  Wide.c_str(), static_cast<DWORD>((Wide.size() + 1) * sizeof(wchar_t))),
+			ERROR_SUCCESS);
+	}
 };
 
-TEST_F(GameLaunch, ARunningGameGetsEachRequestByItsPipe)
+TEST_F(Shell, AnAddressGoesToTheProgramOfItsScheme)
 {
-	const FGamePipe Game(R"(\\.\pipe\QUARVEL_PakLoader)");
-	std::future<std::string> Received = std::async(std::launch::async, [&Game] { return Game.Receive(); });
-	FQVMapPlaytest::LaunchGameWithPak("Cave", R"(C:\Höhle 1\Cave.pak)", "Hall", "/Game/Cave/Maps/Hall");
-	EXPECT_EQ(Received.get(), "quarvel://loadmap?pak=C:/H%C3%B6hle%201/Cave.pak&map=Hall&mapname=/Game/Cave/Maps/Hall");
-	EXPECT_EQ(Logged(), "QVMap: Sent to running game via named pipe\n");
+	const std::string Program = Files("desk.exe");
+	QVTest::PlaceTestChild(Files.OsPath("desk.exe"));
+	Files.Put("desk.exe.script", "arguments " + Files("seen") + "\nwrite " + Files("done") + "|");
+	const FOwnScheme Scheme(FQVString::ReplaceAll(Program, "/", "\\"));
+	const std::string Url = Scheme.Name + "://loadmap?pak=C:/H%C3%B6hle%201/Cave.pak&map=Hall -console";
+	EXPECT_GT(Desktop.Open(Url), 32);
+	for (int Round = 0; Round < 3000 && !Files.Has("done"); ++Round)
+	{
+		std::this_thread::sleep_for(std::chrono::milliseconds(10));
+	}
+	EXPECT_EQ(Files.Get("seen"), Url + "\n");
+	EXPECT_EQ(Files.Logged(Log), FLines());
 }
