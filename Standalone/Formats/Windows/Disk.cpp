@@ -119,13 +119,15 @@ fs::path FDisk::Spelled(const fs::path& Folder, const fs::path& Below)
 fs::path FDisk::RealPath(const fs::path& Path, std::error_code& OutError)
 {
 	const FWinHandle Entry = OpenExisting(Path, FILE_READ_ATTRIBUTES, FILE_FLAG_BACKUP_SEMANTICS);
-	const DWORD Room = Entry.IsValid() ? ::GetFinalPathNameByHandleW(Entry.Get(), nullptr, 0, FILE_NAME_NORMALIZED) : 0;
+	OutError = Entry.IsValid() ? std::error_code() : LastWinError();
+	if (OutError)
+	{
+		return {};
+	}
+	const DWORD Room = ::GetFinalPathNameByHandleW(Entry.Get(), nullptr, 0, FILE_NAME_NORMALIZED);
 	std::wstring Real(Room, L'\0');
-	const DWORD Length =
-		Room > 0 ? ::GetFinalPathNameByHandleW(Entry.Get(), Real.data(), Room, FILE_NAME_NORMALIZED) : 0;
-	OutError = Length > 0 ? std::error_code() : LastWinError();
-	Real.resize(Length);
-	return Real;
+	Real.resize(Room > 0 ? ::GetFinalPathNameByHandleW(Entry.Get(), Real.data(), Room, FILE_NAME_NORMALIZED) : 0);
+	return Real.empty() ? WidePath(Path) : Real; // some drives, and some systems of long paths, cannot tell
 }
 
 std::vector<FDisk::FEntry> FDisk::List(const fs::path& Folder)
