@@ -134,19 +134,26 @@ public:
 	}
 	FOwnScheme(const FOwnScheme&) = delete;
 	FOwnScheme& operator=(const FOwnScheme&) = delete;
-	~FOwnScheme() { ::RegDeleteTreeW(HKEY_CURRENT_USER, ToWide(Key).c_str()); }
+	~FOwnScheme()
+	{
+		::RegDeleteTreeW(HKEY_CURRENT_USER, ToWide(OfUser + Name).c_str());
+		::RegDeleteTreeW(HKEY_CLASSES_ROOT, ToWide(Name).c_str());
+	}
 
 	const std::string Name = "qvmap-test-" + std::to_string(::GetCurrentProcessId());
 
 private:
-	const std::string Key = "Software\\Classes\\" + Name;
+	const std::string OfUser = "Software\\Classes\\";
 
 	void Set(const std::string& Below, const std::string& Value, const std::string& Text) const
 	{
-		const std::wstring Wide = ToWide(Text);
-		EXPECT_EQ(::RegSetKeyValueW(HKEY_CURRENT_USER, ToWide(Key + Below).c_str(), ToWide(Value).c_str(), REG_SZ,
-					  Wide.c_str(), static_cast<DWORD>((Wide.size() + 1) * sizeof(wchar_t))),
-			ERROR_SUCCESS);
+		EXPECT_EQ(Write(HKEY_CURRENT_USER, OfUser + Name + Below, Value, ToWide(Text)), ERROR_SUCCESS);
+		Write(HKEY_CLASSES_ROOT, Name + Below, Value, ToWide(Text)); // if we may: Wine's shell looks there only
+	}
+	static LSTATUS Write(HKEY Root, const std::string& Key, const std::string& Value, const std::wstring& Text)
+	{
+		return ::RegSetKeyValueW(Root, ToWide(Key).c_str(), ToWide(Value).c_str(), REG_SZ, Text.c_str(),
+			static_cast<DWORD>((Text.size() + 1) * sizeof(wchar_t)));
 	}
 };
 
