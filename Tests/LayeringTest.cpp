@@ -31,7 +31,7 @@ constexpr std::string_view StandaloneHeaders =
 constexpr std::pair<std::string_view, std::string_view> Libraries[] = {
 	{"libdeflate.h", "Standalone/Formats/Base/Compression.cpp"}, {"zlib.h", "Standalone/Formats/Base/Compression.cpp"},
 	{"cpuid.h", "Standalone/Formats/Base/Sha1.cpp"}, {"immintrin.h", "Standalone/Formats/Base/Sha1.cpp"},
-	{"curl/", "Standalone/Engine/Http.cpp"}, {"stb_image.h", "Standalone/Engine/Images.cpp"},
+	{"curl/", "Standalone/Engine/Posix/HttpTransfer.cpp"}, {"stb_image.h", "Standalone/Engine/Images.cpp"},
 	{"nlohmann/", "Standalone/Engine/JsonReader.cpp"}, {"CLI/", "Standalone/Cli/"}, {"Q", "Standalone/Studio/"}};
 
 enum class ESystemHeaders

@@ -9,6 +9,7 @@ FCommandLine::FCommandLine()
 {
 	App.name("qvmap");
 	App.require_subcommand(1);
+	App.allow_windows_style_options(false); // names of packages begin with a slash
 	App.option_defaults()->always_capture_default(false);
 	App.add_option("--project", Options.Project, "The .uproject file or its folder (default: found upward from here)")
 		->type_name("PATH");

@@ -15,12 +15,6 @@ namespace
 constexpr std::size_t MostCauses = 6;
 constexpr std::string_view EraseLine = "\r\x1b[K";
 
-void Put(std::FILE* Stream, std::string_view Text)
-{
-	std::fwrite(Text.data(), 1, Text.size(), Stream);
-	std::fflush(Stream);
-}
-
 /** A log line as a person reads it. What is also shown has another heading there. */
 std::string_view WithoutPrefix(std::string_view Text)
 {
@@ -63,14 +57,14 @@ FConsole::FConsole()
 void FConsole::Line(std::string_view Text)
 {
 	ClearProgress();
-	Put(stderr, std::string(Text) + "\n");
+	PutText(stderr, std::string(Text) + "\n");
 }
 
 void FConsole::ClearProgress()
 {
 	if (bProgressShown)
 	{
-		Put(stderr, EraseLine);
+		PutText(stderr, EraseLine);
 		bProgressShown = false;
 	}
 }
@@ -106,7 +100,7 @@ void FConsole::Result(std::string_view Text)
 {
 	const std::lock_guard Guard(Lock);
 	ClearProgress();
-	Put(stdout, std::string(Text) + "\n");
+	PutText(stdout, std::string(Text) + "\n");
 }
 
 void FConsole::Document(const FQVJson& Json)
@@ -212,7 +206,7 @@ void FConsole::ShowBar(std::string_view Stage, float Fraction, std::string_view 
 	// a line that reaches the last column would go on in the next, where nothing writes over it
 	const std::size_t Width = std::max<std::size_t>(TerminalWidth(), 1) - 1;
 	const std::size_t Room = Width > Head.size() ? Width - Head.size() : 0;
-	Put(stderr, std::string(EraseLine) + FitColumns(Head + FitColumns(OneLine(Message), Room), Width));
+	PutText(stderr, std::string(EraseLine) + FitColumns(Head + FitColumns(OneLine(Message), Room), Width));
 	bProgressShown = true;
 }
 } // namespace QVCli

@@ -6,10 +6,10 @@
 #include "Engine/QVEngine.h"
 #include "Engine/QVFiles.h"
 #include "Engine/QVProcesses.h"
+#include "Standalone/Engine/Environment.h"
 #include "Standalone/EngineTools/RawFile.h"
 #include "Workspace/QVMapPaths.h"
 
-#include <cstdlib>
 #include <span>
 
 namespace QVCli
@@ -88,12 +88,12 @@ std::string WithoutDoctype(std::string Svg)
 
 std::string FindGraphviz()
 {
-	const char* const Path = std::getenv("PATH");
-	std::string_view Rest = Path == nullptr ? "" : Path;
+	const std::string Path = QVStandalone::EnvironmentValue("PATH");
+	std::string_view Rest = Path;
 	while (!Rest.empty())
 	{
 		const std::size_t End = std::min(Rest.find(PathSeparator), Rest.size());
-		const std::string File = FQVPath::Combine(Rest.substr(0, End), ProgramName);
+		const std::string File = FQVPath::Combine(FQVPath::NormalizeFilename(Rest.substr(0, End)), ProgramName);
 		if (FQVPath::IsAbsolute(File) && FQVEngine::Get().Files->FileExists(File))
 		{
 			return File;

@@ -2,7 +2,11 @@
 #include "Core/QVString.h"
 #include "Standalone/Cli/CommandLine.h"
 #include "Standalone/Cli/NearestWord.h"
+#include "Standalone/Cli/Terminal.h"
+#include "Standalone/Engine/Environment.h"
 #include "Standalone/Engine/Interrupt.h"
+
+#include <algorithm>
 
 namespace QVCli
 {
@@ -97,14 +101,15 @@ EExitCode RunChosen(FCommandLine& Line)
 	return Code;
 }
 
-EExitCode Run(int Count, char** Words)
+EExitCode Run(std::vector<std::string> Words)
 {
 	FCommandLine Line;
 	Line.App.set_version_flag("--version", "qvmap " QVMAP_VERSION);
 	AddVerbs(Line);
 	try
 	{
-		Line.App.parse(Count, Words);
+		std::reverse(Words.begin(), Words.end()); // as the parser wants them
+		Line.App.parse(std::move(Words));
 	}
 	catch (const CLI::Success& Asked) // help or version: printed to standard output
 	{
@@ -122,5 +127,6 @@ EExitCode Run(int Count, char** Words)
 int main(int Count, char** Words)
 {
 	QVStandalone::FInterrupt::Install();
-	return static_cast<int>(QVCli::Run(Count, Words));
+	QVCli::PrepareTerminal();
+	return static_cast<int>(QVCli::Run(QVStandalone::BeginProgram(Count, Words)));
 }

@@ -4,6 +4,7 @@
 #include "Standalone/Engine/Interrupt.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/EngineTools/PakCreation.h"
+#include "Standalone/Formats/Base/Disk.h"
 #include "Standalone/Formats/Pak/PakExtract.h"
 #include "Standalone/Formats/Pak/PakVerify.h"
 
@@ -189,9 +190,7 @@ EExitCode Extract(FCommandLine& Line, const FPakOptions& Options)
 	{
 		return EExitCode::Failed;
 	}
-	std::error_code Ignored;
-	if (std::filesystem::exists(ToOsPath(Options.Folder), Ignored) &&
-		!std::filesystem::is_directory(ToOsPath(Options.Folder), Ignored))
+	if (FDisk::Exists(ToOsPath(Options.Folder)) && !FDisk::IsFolder(ToOsPath(Options.Folder)))
 	{
 		Line.Console.Fail(QVPrintf("%s is a file: name a folder", Options.Folder));
 		return EExitCode::Failed;

@@ -85,6 +85,8 @@ private:
 
 	void AppendDependencies(FQVName Package, const FPackedReference* First, EQVDependencyQuery Query,
 		std::vector<FQVPackageDependency>& Out) const;
+	/** Folder: full path; empty: everything. */
+	void ScanBelow(std::string Folder);
 	bool TakeOver();
 	void Adopt(FScannedPackagesRef New);
 	void EndJob();

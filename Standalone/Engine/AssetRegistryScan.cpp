@@ -18,10 +18,10 @@ namespace
 constexpr double TakeOverPeriod = 0.05;
 constexpr std::chrono::milliseconds ProgressPeriod{50};
 
-/** The deepest folder that holds both. None of them ends in a slash. */
+/** The deepest folder that holds both, empty if there is none. None of them ends in a slash. */
 std::string CommonFolder(std::string Common, const std::string& Other)
 {
-	while (!(Other + "/").starts_with(Common + "/"))
+	while (!Common.empty() && !(Other + "/").starts_with(Common + "/"))
 	{
 		Common = FQVPath::GetPath(Common);
 	}
@@ -195,6 +195,11 @@ void FAssetRegistry::Adopt(FScannedPackagesRef New)
 
 void FAssetRegistry::ScanPathsSynchronous(std::string_view Folder)
 {
+	ScanBelow(FQVPath::ConvertRelativePathToFull(ProjectDir, Folder));
+}
+
+void FAssetRegistry::ScanBelow(std::string Folder)
+{
 	QV_CHECK(GameThread.IsInGameThread());
 	FinishScan();
 	if (bTrustLastScan)
@@ -203,7 +208,7 @@ void FAssetRegistry::ScanPathsSynchronous(std::string_view Folder)
 	}
 	FScanScope Scope;
 	Scope.Mounts = MountPoints.GetMountPoints();
-	Scope.Folder = FQVPath::ConvertRelativePathToFull(ProjectDir, Folder);
+	Scope.Folder = std::move(Folder);
 	FScanProgress Progress;
 	FScannedPackagesRef New =
 		ScanPackages([this] { return Packages; }, Scope, Progress, [] { return FInterrupt::IsRaised(); });
@@ -225,7 +230,7 @@ void FAssetRegistry::ScanModifiedAssetFiles(std::span<const std::string> Files)
 	}
 	if (Common)
 	{
-		ScanPathsSynchronous(*Common + "/");
+		ScanBelow(*Common);
 	}
 }
 

@@ -5,11 +5,11 @@
 #include "Standalone/Engine/OsFile.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/TextEncoding.h"
+#include "Standalone/Formats/Base/Disk.h"
 #include "Standalone/Formats/Base/Parallel.h"
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <fstream>
 #include <set>
 
@@ -36,9 +36,9 @@ template<class TBytes>
 std::error_code ReadAll(const fs::path& Path, TBytes& OutBytes)
 {
 	errno = 0;
-	std::ifstream File(Path, std::ios::binary);
+	std::ifstream File(FDisk::SystemPath(Path), std::ios::binary);
 	std::error_code Unknown;
-	const std::uintmax_t Expected = fs::file_size(Path, Unknown);
+	const std::uint64_t Expected = FDisk::SizeOf(Path, Unknown);
 	std::size_t Done = 0;
 	do
 	{
@@ -56,8 +56,7 @@ std::error_code ReadAll(const fs::path& Path, TBytes& OutBytes)
 template<class TBytes>
 bool Load(std::string_view Path, TBytes& OutBytes)
 {
-	std::error_code Error;
-	const bool bRead = fs::exists(ToOsPath(Path), Error) && Succeeded(ReadAll(ToOsPath(Path), OutBytes), Path, "read");
+	const bool bRead = FDisk::Exists(ToOsPath(Path)) && Succeeded(ReadAll(ToOsPath(Path), OutBytes), Path, "read");
 	OutBytes.resize(bRead ? OutBytes.size() : 0);
 	return bRead;
 }
@@ -87,30 +86,18 @@ std::vector<bool> CopyAll(std::span<const FQVFileCopy> Copies, decltype(CopyFile
 		});
 }
 
-/** The mark of a read-only file keeps nobody from deleting it here. Missing is an error. */
-std::error_code DeleteNoFolder(const fs::path& Path, FFolderFlushes* Later)
+/** Missing is an error. */
+std::error_code DeleteNoFolder(const fs::path& Path, bool bEvenReadOnly, FFolderFlushes* Later)
 {
-	std::error_code Ignored;
-	return fs::is_directory(Path, Ignored) ? std::make_error_code(std::errc::is_a_directory) : RemoveEntry(Path, Later);
+	return FDisk::IsFolder(Path) ? std::make_error_code(std::errc::is_a_directory)
+								 : RemoveEntry(Path, bEvenReadOnly, Later);
 }
 
-struct FListed
+std::vector<FDisk::FEntry> ListSorted(const fs::path& Folder)
 {
-	fs::path Path;
-	bool bIsDirectory = false;
-};
-
-std::vector<FListed> ListSorted(const fs::path& Folder)
-{
-	std::vector<FListed> Entries;
-	std::error_code Error;
-	for (fs::directory_iterator Each(Folder, Error), End; !Error && Each != End; Each.increment(Error))
-	{
-		std::error_code Ignored;
-		Entries.push_back({Each->path(), Each->is_directory(Ignored)});
-	}
+	std::vector<FDisk::FEntry> Entries = FDisk::List(Folder);
 	std::sort(Entries.begin(), Entries.end(),
-		[](const FListed& A, const FListed& B) { return A.Path.native() < B.Path.native(); });
+		[](const FDisk::FEntry& A, const FDisk::FEntry& B) { return A.Path.native() < B.Path.native(); });
 	return Entries;
 }
 
@@ -135,13 +122,13 @@ public:
 
 	bool Walk(const fs::path& Folder)
 	{
-		for (const FListed& Entry : ListSorted(Folder))
+		for (const FDisk::FEntry& Entry : ListSorted(Folder))
 		{
-			if (!Visitor(FromOsPath(Entry.Path), Entry.bIsDirectory))
+			if (!Visitor(FromOsPath(Entry.Path), Entry.bIsFolder))
 			{
 				return false;
 			}
-			if (Entry.bIsDirectory && IsFirstVisit(Entry.Path) && !Walk(Entry.Path))
+			if (Entry.bIsFolder && IsFirstVisit(Entry.Path) && !Walk(Entry.Path))
 			{
 				return false;
 			}
@@ -155,13 +142,13 @@ private:
 
 	bool IsFirstVisit(const fs::path& Folder)
 	{
-		std::error_code Error;
-		if (!fs::is_symlink(Folder, Error))
+		if (!FDisk::IsLink(Folder))
 		{
 			return true;
 		}
-		const fs::path Target = fs::canonical(Folder, Error);
-		const fs::path Parent = fs::canonical(Folder.parent_path(), Error);
+		std::error_code Error;
+		const fs::path Target = FDisk::RealPath(Folder, Error);
+		const fs::path Parent = FDisk::RealPath(Folder.parent_path(), Error);
 		const auto [Mismatch, Unused] = std::mismatch(Target.begin(), Target.end(), Parent.begin(), Parent.end());
 		const bool bLeadsUpward = Mismatch == Target.end();
 		return !Error && !bLeadsUpward && LinkTargets.insert(Target).second;
@@ -171,40 +158,33 @@ private:
 
 bool FFiles::FileExists(std::string_view Path) const
 {
-	std::error_code Error;
-	return fs::is_regular_file(ToOsPath(Path), Error);
+	return FDisk::IsFile(ToOsPath(Path));
 }
 
 bool FFiles::DirectoryExists(std::string_view Path) const
 {
-	std::error_code Error;
-	return fs::is_directory(ToOsPath(Path), Error);
+	return FDisk::IsFolder(ToOsPath(Path));
 }
 
 std::int64_t FFiles::FileSize(std::string_view Path) const
 {
 	std::error_code Error;
-	const std::uintmax_t Size = fs::file_size(ToOsPath(Path), Error);
+	const std::uint64_t Size = FDisk::SizeOf(ToOsPath(Path), Error);
 	return Error ? -1 : static_cast<std::int64_t>(Size);
 }
 
 FQVDateTime FFiles::GetTimeStamp(std::string_view Path) const
 {
 	std::error_code Error;
-	const fs::file_time_type Time = fs::last_write_time(ToOsPath(Path), Error);
-	if (Error)
-	{
-		return {};
-	}
-	const auto SinceEpoch = std::chrono::file_clock::to_sys(Time).time_since_epoch();
-	return FQVDateTime::FromUnixSeconds(0, std::chrono::duration_cast<std::chrono::nanoseconds>(SinceEpoch).count());
+	const std::int64_t Nanoseconds = FDisk::TimeOf(ToOsPath(Path), Error);
+	return Error ? FQVDateTime() : FQVDateTime::FromUnixSeconds(0, Nanoseconds);
 }
 
 void FFiles::IterateDirectory(std::string_view Path, const FVisitor& Visitor) const
 {
-	for (const FListed& Entry : ListSorted(ToOsPath(Path)))
+	for (const FDisk::FEntry& Entry : ListSorted(ToOsPath(Path)))
 	{
-		if (!Visitor(FromOsPath(Entry.Path), Entry.bIsDirectory))
+		if (!Visitor(FromOsPath(Entry.Path), Entry.bIsFolder))
 		{
 			return;
 		}
@@ -226,9 +206,9 @@ bool FFiles::DeleteDirectory(std::string_view Path)
 	return Succeeded(RemoveTree(ToOsPath(Path)), Path, "deleted");
 }
 
-bool FFiles::DeleteFile(std::string_view Path, bool /*bEvenReadOnly*/)
+bool FFiles::DeleteFile(std::string_view Path, bool bEvenReadOnly)
 {
-	const std::error_code Error = DeleteNoFolder(ToOsPath(Path), nullptr);
+	const std::error_code Error = DeleteNoFolder(ToOsPath(Path), bEvenReadOnly, nullptr);
 	const bool bMissing = Error == std::errc::no_such_file_or_directory;
 	return !bMissing && Succeeded(Error, Path, "deleted");
 }
@@ -253,12 +233,12 @@ std::vector<bool> FFiles::PutFilesBack(std::span<const FQVFileCopy> Copies)
 	return CopyAll(Copies, LinkOrCopyFileOver);
 }
 
-std::vector<bool> FFiles::DeleteFiles(std::span<const std::string> Paths, bool /*bEvenReadOnly*/)
+std::vector<bool> FFiles::DeleteFiles(std::span<const std::string> Paths, bool bEvenReadOnly)
 {
 	return DoAll(Paths.size(),
-		[Paths](std::size_t Place, FFolderFlushes& Folders)
+		[Paths, bEvenReadOnly](std::size_t Place, FFolderFlushes& Folders)
 		{
-			const std::error_code Error = DeleteNoFolder(ToOsPath(Paths[Place]), &Folders);
+			const std::error_code Error = DeleteNoFolder(ToOsPath(Paths[Place]), bEvenReadOnly, &Folders);
 			return Error == std::errc::no_such_file_or_directory || Succeeded(Error, Paths[Place], "deleted");
 		});
 }

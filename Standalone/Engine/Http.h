@@ -9,13 +9,13 @@
 namespace QVStandalone
 {
 /**
- * Requests by libcurl, each on a thread of its own. An interrupt ends them within about a second, without an answer.
- * Made and used on the game thread.
+ * Requests by libcurl, on Windows by the system, each on a thread of its own. An interrupt ends them within about a
+ * second, without an answer. Made and used on the game thread.
  */
 class FHttp final : public IQVHttp
 {
 public:
-	/** A file of certificates to be trusted in place of the system's may be named by SSL_CERT_FILE. */
+	/** A file of certificates to be trusted in place of the system's may be named by SSL_CERT_FILE; not on Windows. */
 	explicit FHttp(FGameThread& InGameThread);
 	FHttp(FGameThread& InGameThread, std::string InCertificateFile);
 

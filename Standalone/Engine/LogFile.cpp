@@ -2,25 +2,28 @@
 #include "Standalone/Engine/LogFile.h"
 
 #include "Standalone/Engine/Clock.h"
+#include "Standalone/Formats/Base/Disk.h"
 
 #include <cerrno>
 #include <system_error>
 
 namespace QVStandalone
 {
+using namespace QVFormats;
+
 namespace
 {
-constexpr std::uintmax_t LargeLogBytes = std::uintmax_t{8} << 20;
+constexpr std::uint64_t LargeLogBytes = std::uint64_t{8} << 20;
 
 void SetAsideIfLarge(const std::filesystem::path& Path)
 {
 	std::error_code Error;
-	const std::uintmax_t Size = std::filesystem::file_size(Path, Error);
+	const std::uint64_t Size = FDisk::SizeOf(Path, Error);
 	if (!Error && Size > LargeLogBytes)
 	{
 		std::filesystem::path Backup = Path;
-		Backup.replace_filename(Path.stem().string() + "-backup" + Path.extension().string());
-		std::filesystem::rename(Path, Backup, Error);
+		Backup.replace_filename((Path.stem() += "-backup") += Path.extension());
+		FDisk::Rename(Path, Backup, Error);
 	}
 }
 
@@ -48,10 +51,10 @@ bool FLogFile::EnsureOpen()
 		return File.is_open();
 	}
 	std::error_code Error;
-	std::filesystem::create_directories(Path.parent_path(), Error);
+	FDisk::MakeFolders(Path.parent_path(), Error);
 	SetAsideIfLarge(Path);
 	errno = 0;
-	File.open(Path, std::ios::binary | std::ios::app);
+	File.open(FDisk::SystemPath(Path), std::ios::binary | std::ios::app);
 	if (!File.is_open())
 	{
 		const std::error_code Reason = Error ? Error : std::error_code(errno, std::generic_category());

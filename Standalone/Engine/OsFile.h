@@ -69,8 +69,11 @@ std::error_code MoveFileOver(const std::filesystem::path& Target, const std::fil
 /** The folder and all that lead to it. */
 std::error_code MakeFolders(const std::filesystem::path& Folder);
 
-/** What has no name any more afterwards: a file, a link, an empty folder. An error if there was nothing. */
-std::error_code RemoveEntry(const std::filesystem::path& Path, FFolderFlushes* Later = nullptr);
+/**
+ * What has no name any more afterwards: a file, a link, an empty folder. An error if there was nothing. Where the mark
+ * of a read-only file keeps it from being deleted, it goes only if asked for.
+ */
+std::error_code RemoveEntry(const std::filesystem::path& Path, bool bEvenReadOnly, FFolderFlushes* Later = nullptr);
 /** With all below it; links are not followed. No error if there was nothing. */
 std::error_code RemoveTree(const std::filesystem::path& Folder);
 

@@ -4,6 +4,7 @@
 #include "Standalone/Engine/PackageCacheLayout.h"
 #include "Standalone/Formats/Base/ByteWriter.h"
 #include "Standalone/Formats/Base/CityHash.h"
+#include "Standalone/Formats/Base/Disk.h"
 #include "Standalone/Formats/Base/OutputFile.h"
 
 #include <filesystem>
@@ -163,7 +164,7 @@ FStatus SavePackageCache(const std::string& Path, const FScannedPackages& Packag
 	FPackageCacheHead Head;
 	Head.Hash = CityHash64(Body.Bytes());
 	std::error_code Ignored; // a folder that cannot be made shows when the file is
-	std::filesystem::create_directories(ToOsPath(Path).parent_path(), Ignored);
+	FDisk::MakeFolders(ToOsPath(Path).parent_path(), Ignored);
 	TResult<FOutputFile> File = FOutputFile::Create(ToOsPath(Path));
 	if (!File)
 	{

@@ -5,6 +5,7 @@
 #include "Core/QVString.h"
 #include "Standalone/Engine/Files.h"
 #include "Standalone/Engine/OsPath.h"
+#include "Standalone/Formats/Base/Disk.h"
 #include "Standalone/Formats/Base/MappedFile.h"
 #include "Standalone/Formats/Package/PackageHeader.h"
 
@@ -40,6 +41,21 @@ std::string FindIgnoringCase(const std::string& Folder, std::string_view Below)
 			return Found.empty();
 		});
 	return Found;
+}
+
+std::string FindBelow(const std::string& Folder, std::string_view Below, std::string_view Preferred)
+{
+	const std::string_view Other = Preferred == IQVPackages::MapPackageExtension ? IQVPackages::AssetPackageExtension
+																				 : IQVPackages::MapPackageExtension;
+	for (const std::string_view Extension : {Preferred, Other})
+	{
+		const std::string File = std::string(Below).append(Extension);
+		if (FFiles().FileExists(Folder + File))
+		{
+			return Folder + FromOsPath(FDisk::Spelled(ToOsPath(Folder), ToOsPath(File)));
+		}
+	}
+	return FindIgnoringCase(Folder, Below); // package names heed no case, the file system may
 }
 } // namespace
 
@@ -109,22 +125,13 @@ bool FPackages::DoesPackageExist(std::string_view PackageName, std::string& OutF
 	return !OutFilename.empty();
 }
 
-std::string FPackages::FindPackageFile(std::string_view PackageName) const
+std::string FPackages::FindPackageFile(std::string_view PackageName, std::string_view Preferred) const
 {
-	std::string File;
-	for (const std::string_view Extension : {AssetPackageExtension, MapPackageExtension})
-	{
-		if (TryConvertLongPackageNameToFilename(PackageName, File, Extension) && FFiles().FileExists(File))
-		{
-			return File;
-		}
-	}
-	// package names heed no case, the file system may
 	for (const FMountPoint& Point : GetMountPoints())
 	{
 		if (FQVString::StartsWithIgnoreCase(PackageName, Point.Root))
 		{
-			return FindIgnoringCase(Point.Folder, PackageName.substr(Point.Root.size()));
+			return FindBelow(Point.Folder, PackageName.substr(Point.Root.size()), Preferred);
 		}
 	}
 	return {};

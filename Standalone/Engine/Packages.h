@@ -65,8 +65,9 @@ public:
 
 	/** The long package name that a file's place gives it; false if it lies below no mount point. */
 	bool TryConvertFilenameToLongPackageName(std::string_view File, std::string& OutPackageName) const;
-	/** The full path of the file that holds a package, whichever extension it has; empty if there is none. */
-	std::string FindPackageFile(std::string_view PackageName) const;
+	/** The full path of the file that holds a package, whichever extension it has, the preferred one first; empty if
+	 * there is none. */
+	std::string FindPackageFile(std::string_view PackageName, std::string_view Preferred = AssetPackageExtension) const;
 	/** `/Game` first, then `/Engine`, then the plugins. */
 	std::vector<FMountPoint> GetMountPoints() const;
 	/** Of a world: whether actors or other objects of it lie in files of their own. */

@@ -193,7 +193,8 @@ void FPackages::ReplaceReferences(std::span<const FQVName> Packages, std::span<c
 	FLoadedPackage::FReplacements Targets;
 	for (const FQVAssetReplacement& Each : Replacements)
 	{
-		FLoadedPackage::FTarget& Target = Targets.try_emplace(Each.From.PackageName, Each.To).first->second;
+		FLoadedPackage::FTarget& Target =
+			Targets.try_emplace(Each.From.PackageName, FLoadedPackage::FTarget{Each.To, {}}).first->second;
 		const auto Objects = ObjectsOf(Each);
 		Target.Objects.insert(Target.Objects.end(), Objects.begin(), Objects.end());
 	}

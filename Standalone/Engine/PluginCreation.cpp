@@ -6,6 +6,7 @@
 #include "Core/QVPrintf.h"
 #include "Standalone/Engine/OsFile.h"
 #include "Standalone/Engine/OsPath.h"
+#include "Standalone/Formats/Base/Disk.h"
 
 namespace QVStandalone
 {
@@ -63,8 +64,7 @@ TResult<FQVPluginInfo> CreatePluginFolder(const FQVNewPlugin& Plugin)
 	Info.VersionName = Plugin.Descriptor.VersionName;
 	Info.bEnabled = true;
 	Info.bCanContainContent = Plugin.Descriptor.bCanContainContent;
-	std::error_code Ignored;
-	if (std::filesystem::exists(ToOsPath(Info.BaseDir), Ignored))
+	if (FDisk::Exists(ToOsPath(Info.BaseDir)))
 	{
 		return FError{QVPrintf("%s is there already.", Info.BaseDir)};
 	}

@@ -9,6 +9,7 @@
 #include "Standalone/Engine/Files.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/PluginCreation.h"
+#include "Standalone/Formats/Base/Disk.h"
 
 #include <algorithm>
 #include <cwctype>
@@ -60,7 +61,7 @@ private:
 	bool IsFirstVisit(const std::string& Folder)
 	{
 		std::error_code Error;
-		const std::filesystem::path Real = std::filesystem::canonical(ToOsPath(Folder), Error);
+		const std::filesystem::path Real = QVFormats::FDisk::RealPath(ToOsPath(Folder), Error);
 		return !Error && Visited.insert(Real).second;
 	}
 };

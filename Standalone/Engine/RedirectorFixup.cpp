@@ -11,6 +11,7 @@
 #include "Standalone/Engine/OsFile.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/RedirectorChain.h"
+#include "Standalone/Formats/Base/Disk.h"
 #include "Standalone/Formats/Base/MappedFile.h"
 #include "Standalone/Formats/Package/PackageHeader.h"
 
@@ -334,12 +335,12 @@ void FRedirectorFixup::Delete(FRedirectorFix& Fix, std::string_view BackupDir) c
 std::string FRedirectorFixup::KeepCopy(std::string_view File, std::string_view BackupDir) const
 {
 	const std::filesystem::path Copy = ToOsPath(FQVPath::Combine(BackupDir, File.substr(ProjectDir.size() + 1)));
-	std::error_code Error;
-	if (std::filesystem::exists(Copy, Error))
+	if (FDisk::Exists(Copy))
 	{
 		return {}; // a redirector that was rewritten before it goes
 	}
-	std::filesystem::create_directories(Copy.parent_path(), Error);
+	std::error_code Error;
+	FDisk::MakeFolders(Copy.parent_path(), Error);
 	const auto Mapped = FMappedFile::Open(ToOsPath(File));
 	if (!Mapped)
 	{

@@ -4,7 +4,6 @@
 #include "Standalone/Engine/ClassFile.h"
 #include "Standalone/Engine/EditorOnlyRule.h"
 #include "Standalone/Engine/EngineLog.h"
-#include "Standalone/Engine/Files.h"
 #include "Standalone/Engine/NativeClasses.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Formats/Base/MappedFile.h"
@@ -29,13 +28,6 @@ const FPackageExport* FindActor(const FPackageHeader& Header, std::string_view N
 	return Found != Header.Exports.end() ? &*Found : nullptr;
 }
 
-std::string MapFileOf(const FPackages& Packages, std::string_view PackageName)
-{
-	std::string File;
-	const bool bMounted =
-		Packages.TryConvertLongPackageNameToFilename(PackageName, File, IQVPackages::MapPackageExtension);
-	return bMounted && FFiles().FileExists(File) ? File : Packages.FindPackageFile(PackageName);
-}
 } // namespace
 
 std::optional<bool> FWorldActor::IsEnumPropertySetTo(std::string_view Property, std::string_view Enumerator) const
@@ -72,7 +64,7 @@ std::optional<std::string> FExternalActor::FindSaved(std::string_view Property) 
 TResult<std::unique_ptr<FWorldLevel>> FWorldLevel::Open(
 	const FWorldSources& Sources, const IFileWorld& World, std::string_view PackageName)
 {
-	const std::string File = MapFileOf(Sources.Packages, PackageName);
+	const std::string File = Sources.Packages.FindPackageFile(PackageName, IQVPackages::MapPackageExtension);
 	if (File.empty())
 	{
 		return FError{std::string(PackageName) + " has no file: there is no such map"};

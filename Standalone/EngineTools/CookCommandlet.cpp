@@ -12,6 +12,7 @@
 #include "Standalone/Engine/Project.h"
 #include "Standalone/EngineTools/CookReach.h"
 #include "Standalone/EngineTools/PackageLayout.h"
+#include "Standalone/Formats/Base/Disk.h"
 
 #include <algorithm>
 #include <set>
@@ -52,7 +53,7 @@ void WriteOrComplain(const std::string& Path, std::span<const std::byte> Bytes, 
 {
 	std::error_code Error;
 	const std::filesystem::path Target = ToOsPath(Path);
-	std::filesystem::create_directories(Target.parent_path(), Error);
+	QVFormats::FDisk::MakeFolders(Target.parent_path(), Error);
 	Error = ReplaceFile(Target, {reinterpret_cast<const char*>(Bytes.data()), Bytes.size()});
 	if (Error)
 	{

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Core/QVPath.h"
+#include "Standalone/Engine/Environment.h"
 #include "Standalone/Engine/ExecutablePath.h"
 #include "Standalone/Engine/Interrupt.h"
 #include "Standalone/EngineTools/CookCommandlet.h"
@@ -12,7 +13,7 @@ int main(int Count, char** Words)
 	FToolLog Log;
 	Log.Display("LogInit", "This is QVMap's stand-in for UnrealEditor-Cmd: content is laid out, not converted, and the "
 						   "game will not load it.");
-	const std::vector<std::string> Arguments(Words + (Count > 0 ? 1 : 0), Words + Count);
+	const std::vector<std::string> Arguments = QVStandalone::BeginProgram(Count, Words);
 	const std::string EngineDir =
 		FQVPath::ConvertRelativePathToFull(FQVPath::GetPath(QVStandalone::ExecutablePath()), "../..");
 	return RunCook(ParseCookCommand(Arguments), EngineDir, Log);

@@ -3,6 +3,7 @@
 
 #include "Core/QVPrintf.h"
 #include "Standalone/Engine/OsPath.h"
+#include "Standalone/Formats/Base/Disk.h"
 
 #include <cerrno>
 #include <fstream>
@@ -14,9 +15,9 @@ QVFormats::FStatus WriteRawFile(const std::string& Path, QVFormats::FBytes Bytes
 {
 	const std::filesystem::path Target = QVStandalone::ToOsPath(Path);
 	std::error_code Error;
-	std::filesystem::create_directories(Target.parent_path(), Error);
+	QVFormats::FDisk::MakeFolders(Target.parent_path(), Error);
 	errno = 0;
-	std::ofstream File(Target, std::ios::binary | std::ios::trunc);
+	std::ofstream File(QVFormats::FDisk::SystemPath(Target), std::ios::binary | std::ios::trunc);
 	File.write(reinterpret_cast<const char*>(Bytes.data()), static_cast<std::streamsize>(Bytes.size()));
 	File.close();
 	if (!File)

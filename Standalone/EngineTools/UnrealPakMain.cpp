@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Core/QVString.h"
+#include "Standalone/Engine/Environment.h"
 #include "Standalone/Engine/Interrupt.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/EngineTools/PakCreation.h"
@@ -96,5 +97,5 @@ int RunUnrealPak(const FPakCommand& Command)
 int main(int Count, char** Words)
 {
 	QVStandalone::FInterrupt::Install();
-	return QVEngineTools::RunUnrealPak(QVEngineTools::ParsePakCommand({Words + (Count > 0 ? 1 : 0), Words + Count}));
+	return QVEngineTools::RunUnrealPak(QVEngineTools::ParsePakCommand(QVStandalone::BeginProgram(Count, Words)));
 }

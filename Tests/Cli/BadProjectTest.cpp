@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Tests/Cli/CliTest.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <algorithm>
 
@@ -225,6 +226,7 @@ TEST_F(FBadProject, WhereNothingCanBeWrittenTheFolderIsNamed)
 
 TEST_F(FBadProject, AFullDiskChangesNothing)
 {
+	QV_SKIP_ON_WINDOWS("no full disk is played here");
 	const FTree Before = Snapshot(Folder);
 	const std::tuple<FWords, std::uint64_t, const char*, const char*> Cases[] = {
 		{{"-q", "pack", "Docks"}, 200'000,

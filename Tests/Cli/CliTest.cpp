@@ -4,6 +4,7 @@
 #include "Core/QVString.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Tests/Formats/TestContent.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <chrono>
 #include <fstream>
@@ -16,7 +17,7 @@ namespace QVTest
 {
 FProgramStart FCliTest::Start(const FWords& Words) const
 {
-	return {fs::path(QVMAP_TEST_BIN) / "qvmap", Words, Folder, Environment, MostFileBytes, 0};
+	return {BuiltProgram("qvmap"), Words, Folder, Environment, MostFileBytes, 0};
 }
 
 FProgramEnd FCliTest::Finish(const FProgramStart& Start) const

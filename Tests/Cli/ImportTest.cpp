@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Standalone/Engine/OsPath.h"
 #include "Standalone/Formats/Package/LevelPackages.h"
 #include "Standalone/Formats/Package/SamplePackages.h"
 #include "Tests/Cli/CliTest.h"
@@ -39,9 +40,9 @@ protected:
 		std::erase_if(Files, [](const auto& File) { return File.first.starts_with("Saved/"); });
 		for (const fs::directory_entry& Each : fs::recursive_directory_iterator(Folder / "Plugins"))
 		{
-			if (Each.is_directory() && Each.path().string().find("/Saved") == std::string::npos)
+			if (Each.is_directory() && QVStandalone::FromOsPath(Each.path()).find("/Saved") == std::string::npos)
 			{
-				Files[Each.path().string()] = "folder";
+				Files[QVStandalone::FromOsPath(Each.path())] = "folder";
 			}
 		}
 		return Files;
@@ -67,9 +68,9 @@ protected:
 		Put(Map, "repointed");
 		Put(Copy, "copy");
 		const FOrderedJson Manifest = {{"schema_version", 1},
-			{"backups", {{{"package", "/Cave/Maps/Hall"}, {"original", (Folder / Map).string()},
-							{"backup", (Folder / (Journal + "0000_Hall.umap")).string()}}}},
-			{"imported", {{{"file", (Folder / Copy).string()}}}}};
+			{"backups", {{{"package", "/Cave/Maps/Hall"}, {"original", QVStandalone::FromOsPath(Folder / Map)},
+							{"backup", QVStandalone::FromOsPath(Folder / (Journal + "0000_Hall.umap"))}}}},
+			{"imported", {{{"file", QVStandalone::FromOsPath(Folder / Copy)}}}}};
 		Put(Journal + "import.json", Manifest.dump());
 	}
 };
@@ -91,7 +92,7 @@ TEST_F(FImportVerb, PackTakesOutsideContentAlongAndLeavesTheProjectAsItWas)
 	ExpectSameFiles(Before, UserFiles());
 	EXPECT_FALSE(fs::exists(Folder / Journal));
 	ASSERT_EQ(Paks().size(), 1);
-	const std::string List = Run({"pak", "list", Paks().front().string()}).Out;
+	const std::string List = Run({"pak", "list", QVStandalone::FromOsPath(Paks().front())}).Out;
 	for (const char* Name : {"_QVImported/Game/Props/Crate.uasset", "_QVImported/Game/Props/Planke_Größe.uasset",
 			 "_QVImported/Harbor/Meshes/Boat.uasset"})
 	{

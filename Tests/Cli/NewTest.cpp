@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Tests/Cli/CliTest.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <fstream>
 #include <nlohmann/json.hpp>
@@ -119,6 +120,7 @@ TEST_F(FNew, TellsWhatADamagedTemplateLeaves)
 
 TEST_F(FNew, LeavesNothingOnAFullDisk)
 {
+	QV_SKIP_ON_WINDOWS("no full disk is played here");
 	MostFileBytes = 100;
 	const FProgramEnd End = Run({"new", "Grotto"});
 	EXPECT_EQ(End.Code, 1);

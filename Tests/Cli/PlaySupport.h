@@ -4,6 +4,7 @@
 #include "Core/QVString.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Tests/Cli/CliTest.h"
+#include "Tests/Support/TestPrograms.h"
 
 namespace QVTest
 {
@@ -17,12 +18,14 @@ protected:
 		Environment["XDG_RUNTIME_DIR"] = Project.At("run");
 		Environment["PATH"] = Project.At("bin");
 		std::filesystem::create_directories(QVStandalone::ToOsPath(Project.At("The Game")));
-		std::filesystem::create_symlink(
-			std::filesystem::path(QVMAP_TEST_BIN) / "qvmap-test-child", QVStandalone::ToOsPath(Game));
+		PlaceTestChild(QVStandalone::ToOsPath(Game));
 		LetDesktopEndWith(4);
 	}
 
 	const std::string Game = Project.At("The Game/QUARVEL.exe");
+	const std::string Pipe = GamePipe(Project.At("run"));
+	/** "/", or that of the drive. */
+	const std::string Root = QVStandalone::FromOsPath(Folder.root_path());
 
 	void ScriptGame(const FWords& Commands) const
 	{

@@ -160,9 +160,20 @@ void FProgram::RunChild(const FProgramStart& Start, int OutEnd, int ErrEnd) cons
 	::_exit(126);
 }
 
+bool FProgram::CanSignal()
+{
+	return true;
+}
+
 void FProgram::Signal(int Number) const
 {
 	::kill(Id, Number);
+}
+
+void FProgram::Kill() const
+{
+	static_assert(Killed == -SIGKILL);
+	Signal(SIGKILL);
 }
 
 bool FProgram::AwaitOnTerminal(std::string_view Text)

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -46,7 +47,12 @@ public:
 	FProgram(const FProgram&) = delete;
 	FProgram& operator=(const FProgram&) = delete;
 
+	/** Needs a console on Windows, where any is what Ctrl-Break is. */
+	static bool CanSignal();
 	void Signal(int Number) const;
+	/** The program alone, with no time to tidy up; its code is Killed then. */
+	void Kill() const;
+	static constexpr int Killed = -9;
 	/** Until the text has come once more on its terminal; false after two minutes, or if it ends without. */
 	bool AwaitOnTerminal(std::string_view Text);
 	/** As a user types at its terminal: "\n" is Return, "\x04" the end of the input. */
@@ -55,6 +61,10 @@ public:
 	FProgramEnd Wait();
 
 private:
+#ifdef _WIN32
+	struct FRunning;
+	std::unique_ptr<FRunning> Running;
+#else
 	pid_t Id = -1;
 	int Out = -1;
 	int Err = -1;
@@ -65,5 +75,6 @@ private:
 	std::size_t Awaited = 0;
 
 	void RunChild(const FProgramStart& Start, int OutEnd, int ErrEnd) const;
+#endif
 };
 } // namespace QVTest

@@ -2,6 +2,7 @@
 #include "Standalone/Formats/Package/RedirectorPackage.h"
 #include "Standalone/Formats/Package/SamplePackages.h"
 #include "Tests/Cli/QuestionSupport.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <csignal>
 #include <ostream>
@@ -144,6 +145,7 @@ TEST_F(FQuestions, LeftoverRedirectorsAreFixedWhereThatIsTheAnswer)
 
 TEST_F(FQuestions, OnATerminalTheUserTypes)
 {
+	QV_SKIP_ON_WINDOWS("no terminal is played here");
 	Prepare("PreflightTitle");
 	const struct
 	{
@@ -171,6 +173,7 @@ TEST_F(FQuestions, OnATerminalTheUserTypes)
 
 TEST_F(FQuestions, AnInterruptAtThePromptLeavesAllAsItWas)
 {
+	QV_SKIP_ON_WINDOWS("no terminal is played here");
 	Prepare("PreflightTitle");
 	const FTree Before = Snapshot(Folder);
 	for (const int Signal : {SIGINT, SIGTERM})

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "Standalone/Engine/OsPath.h"
 #include "Standalone/Engine/TextEncoding.h"
 #include "Standalone/Formats/Package/RedirectorPackage.h"
 #include "Standalone/Formats/Package/SamplePackages.h"
@@ -96,7 +97,10 @@ TEST_F(FRedirectorsVerb, ListsTriesAndFixes)
 
 	// undone as it says: the files as they were, copied back
 	const fs::path Kept = Folder / "Saved/QVPak/Backup" / fs::path(Backup).filename();
-	fs::copy(Kept, Folder, fs::copy_options::recursive | fs::copy_options::overwrite_existing);
+	for (const auto& [Name, Bytes] : ReadFiles(Kept))
+	{
+		Put(QVStandalone::ToOsPath(Name), Bytes);
+	}
 	fs::remove_all(Folder / "Saved/QVPak/Backup");
 	ExpectSameFiles(Before, Snapshot(Folder));
 }

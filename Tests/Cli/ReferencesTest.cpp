@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
+#include "Standalone/Engine/OsPath.h"
 #include "Standalone/Formats/Package/RedirectorPackage.h"
 #include "Standalone/Formats/Package/SamplePackages.h"
 #include "Tests/Cli/CliTest.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
@@ -255,20 +257,20 @@ TEST_F(FReferences, GraphvizDrawsWhereItIsFound)
 		Forced, "error: Graphviz' program 'dot' is in none of the folders of PATH: install it, or use --layout own\n");
 	EXPECT_NE(References({"--format", "svg"}).Out.find("url(#line)"), std::string::npos);
 
-	const fs::path Program = Programs / "dot";
-	const auto Install = [&](const std::string& Script)
-	{
-		Put(Program, "#!/bin/sh\n" + Script);
-		fs::permissions(Program, fs::perms::owner_all);
-	};
-	Install("[ \"$1\" = -Tsvg ] && [ \"$2\" = -o ] && [ -s \"$4\" ] && "
-			"echo '<?xml?><!DOCTYPE svg PUBLIC \"http://x\"><svg>drawn</svg>' > \"$3\"\n");
+	const std::string Program = QVStandalone::FromOsPath(Programs / BuiltProgram("dot").filename());
+	PlaceTestChild(QVStandalone::ToOsPath(Program));
+	const auto Script = [&](const std::string& Commands)
+	{ Put(QVStandalone::ToOsPath(Program + ".script"), Commands); };
+	Script("arguments seen\ncopy {4}|drawn.dot\n"
+		   "write {3}|<?xml?><!DOCTYPE svg PUBLIC \"http://x\"><svg>drawn</svg>\\n\n");
 	EXPECT_EQ(References({"--format", "svg"}).Out, "<?xml?><svg>drawn</svg>\n");
+	EXPECT_TRUE(Get("seen").starts_with("-Tsvg\n-o\n")) << Get("seen");
+	ExpectSoundDot(Get("drawn.dot"));
 	EXPECT_EQ(Run(Forced).Out, "<?xml?><svg>drawn</svg>\n");
-	Install("echo 'no fonts'\nexit 3\n");
+	Script("print no fonts\nexit 3\n");
 	const FProgramEnd End = Run(Forced);
 	EXPECT_EQ(End.Code, 1);
-	EXPECT_NE(End.Err.find("programs/dot ended with code 3: no fonts"), std::string::npos) << End.Err;
+	EXPECT_NE(End.Err.find(Mask(Program) + " ended with code 3: no fonts"), std::string::npos) << End.Err;
 	EXPECT_FALSE(fs::exists(Folder / "Saved/QVPak/Temp/references.dot"));
 }
 

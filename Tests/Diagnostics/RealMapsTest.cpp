@@ -5,6 +5,7 @@
 #include "Engine/QVWorld.h"
 #include "Standalone/Engine/OsPath.h"
 #include "Tests/Diagnostics/MapFacts.h"
+#include "Tests/Support/TestPrograms.h"
 #include "Tests/Support/ToolkitTest.h"
 
 #include <algorithm>
@@ -37,10 +38,10 @@ struct FRealMaps : FToolkitTest, testing::WithParamInterface<FRealFolder>
 		Content = ContentFolder() / Folder.Name / "Content";
 		Root = Folder.bPlugin ? "/" + Mod : "/Game";
 		Project.Write("Plugins/" + Mod + "/" + Mod + ".uplugin", R"({"FileVersion": 3, "CanContainContent": true})");
-		fs::create_directory_symlink(Content, QVStandalone::ToOsPath(Project.At("Plugins/" + Mod + "/Content")));
+		ShowFolder(Content, QVStandalone::ToOsPath(Project.At("Plugins/" + Mod + "/Content")));
 		if (!Folder.bPlugin)
 		{
-			fs::create_directory_symlink(Content, QVStandalone::ToOsPath(Project.At("Content")));
+			ShowFolder(Content, QVStandalone::ToOsPath(Project.At("Content")));
 		}
 		Engine.GetAssetRegistry().StartScan();
 		EXPECT_TRUE(Engine.GetAssetRegistry().FinishScan());

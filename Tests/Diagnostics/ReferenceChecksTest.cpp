@@ -209,9 +209,9 @@ TEST_F(FReferenceChecks, WhatANewerEngineHasSaved)
 TEST_F(FReferenceChecks, ReferencesInOtherLettersThanTheirFiles)
 {
 	Project.AddMod("Cave", {});
-	PutMap("/Cave/Hall", {"/cave/Big/Rock", "soft /Cave/Big/LEAF", "/Cave/GONE"});
-	PutMesh("/Cave/big/Rock", {"/Cave/Big/Leaf", "/CAVE/Hall"});
-	PutMesh("/Cave/Big/Leaf", {"/game/TREE"});
+	PutMap("/Cave/Hall", {"/cave/Big/Rock", "soft /Cave/Ajar/LEAF", "/Cave/GONE"});
+	PutMesh("/Cave/big/Rock", {"/Cave/Ajar/Leaf", "/CAVE/Hall"});
+	PutMesh("/Cave/Ajar/Leaf", {"/game/TREE"});
 	PutMesh("/Game/Tree", {"/Game/tree", "/Cave/HALL"});
 	Scan();
 	EXPECT_EQ(Describe(Check(), "Ref.LetterCase"),
@@ -222,16 +222,16 @@ TEST_F(FReferenceChecks, ReferencesInOtherLettersThanTheirFiles)
 		"Rename files and folders to what the references say, or set the references anew.\n"
 		"    Warning Ref.LetterCase.Reference\n"
 		"      /Cave/Hall\n"
-		"      RefLetterCaseRow: refers to /Cave/Big/LEAF\non disk it is /Cave/Big/Leaf\n"
+		"      RefLetterCaseRow: refers to /Cave/Ajar/LEAF\non disk it is /Cave/Ajar/Leaf\n"
 		"      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Hall.Hall\n"
 		"    Warning Ref.LetterCase.Reference\n"
 		"      /Cave/Hall\n"
 		"      RefLetterCaseRow: refers to /cave/Big/Rock\non disk it is /Cave/big/Rock\n"
 		"      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Hall.Hall\n"
 		"    Warning Ref.LetterCase.Reference\n"
-		"      /Cave/Big/Leaf\n"
+		"      /Cave/Ajar/Leaf\n"
 		"      RefLetterCaseRow: refers to /game/TREE\non disk it is /Game/Tree\n"
-		"      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Big/Leaf.Leaf\n");
+		"      [ShowReferencer: Show Referencer] BrowseToAssets /Cave/Ajar/Leaf.Leaf\n");
 }
 
 TEST_F(FReferenceChecks, FilesThatCannotBeRead)

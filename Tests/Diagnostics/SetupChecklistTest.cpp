@@ -3,6 +3,7 @@
 
 #include "Standalone/Engine/OsPath.h"
 #include "Tests/Diagnostics/DiagnosticsTestSupport.h"
+#include "Tests/Support/TestPrograms.h"
 #include "Workspace/QVMapConfig.h"
 
 #include <filesystem>
@@ -49,8 +50,7 @@ TEST_F(FSetupChecklist, FromNothingToReady)
 	EXPECT_FALSE(FQVMapSetupChecklist::ShouldShowAtStart(Findings));
 	FQVMapConfig::SetShowSetupOnStartup(true);
 
-	std::filesystem::create_symlink(std::filesystem::path(QVMAP_TEST_BIN) / "qvmap-test-child",
-		QVStandalone::ToOsPath(Project.EngineDir() + "/Binaries/Win64/UnrealEditor-Cmd.exe"));
+	QVTest::PlaceTestChild(QVStandalone::ToOsPath(Project.EngineDir() + "/Binaries/Win64/UnrealEditor-Cmd.exe"));
 	Project.AddBaseRelease();
 	Project.AddMod("Cave", {"Maps/Hall", "Gate"});
 	Findings = FQVMapSetupChecklist::Evaluate({});

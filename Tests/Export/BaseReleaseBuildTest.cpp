@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Export/QVMapCooker.h"
 #include "Export/QVMapPluginDisableGuard.h"
+#include "Standalone/Engine/OsPath.h"
+#include "Tests/Support/TestPrograms.h"
 #include "Tests/Support/ToolkitTest.h"
 
 using namespace QVTest;
@@ -106,8 +108,8 @@ TEST_F(FBaseReleaseBuildTest, PutsTheModsBackHoweverTheCookEnds)
 		std::string Error;
 	} Cases[] = {
 		{{"print half", "exit 3"}, "Base release cook failed with return code 3"},
-		{{"print half", "abort"}, "Base release cook failed with return code 134"},
-		{{"print half", "signal 9"}, "Base release cook failed with return code 137"},
+		{{"print half", "abort"}, "Base release cook failed with return code " + std::to_string(AbortCode)},
+		{{"print half", "signal 9"}, "Base release cook failed with return code " + std::to_string(SignalCode(9))},
 		{{"print half", "remove " + Project.At("Releases")},
 			"Cook completed but the base release is not usable. No base release found at <Project>/Releases/1.0."},
 	};
@@ -135,14 +137,14 @@ TEST_F(FBaseReleaseBuildTest, AMissingEditorOrAReadOnlyDescriptorStopsBeforeTheC
 {
 	UseScriptedChildren();
 	namespace fs = std::filesystem;
-	fs::permissions(Project.At("Plugins/Beta/Beta.uplugin"), fs::perms::owner_read);
+	fs::permissions(QVStandalone::ToOsPath(Project.At("Plugins/Beta/Beta.uplugin")), fs::perms::owner_read);
 	const std::string Stuck = "Failed to disable mod plugin 'Beta' for base release build. Ensure the plugin files are "
 							  "not read-only or in use.";
 	EXPECT_EQ(Build().ErrorMessage, Stuck);
 	EXPECT_EQ(Descriptors(), AllDescriptors);
 	EXPECT_EQ(WithoutScan(Logged()), "QVMap: Temporarily disabled mod plugin: Alpha\nError: QVMap: " + Stuck +
 										 "\nQVMap: Restored mod plugin: Alpha\n");
-	fs::remove(Project.EngineDir() + "/Binaries/Win64/UnrealEditor-Cmd.exe");
+	fs::remove(QVStandalone::ToOsPath(Project.EngineDir() + "/Binaries/Win64/UnrealEditor-Cmd.exe"));
 	const std::string Missing = "UnrealEditor-Cmd.exe not found: <Engine>/Binaries/Win64/UnrealEditor-Cmd.exe";
 	EXPECT_EQ(Project.Mask(Build().ErrorMessage), Missing);
 	EXPECT_EQ(Logged(), "Error: QVMap: " + Missing + "\n");

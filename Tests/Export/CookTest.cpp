@@ -2,6 +2,8 @@
 #include "Export/QVMapCooker.h"
 
 #include "Engine/QVEditor.h"
+#include "Standalone/Engine/OsPath.h"
+#include "Tests/Support/TestPrograms.h"
 #include "Tests/Support/ToolkitTest.h"
 
 using namespace QVTest;
@@ -159,7 +161,7 @@ TEST_F(FCookTest, EachFailureHasItsMessage)
 TEST_F(FCookTest, AMissingEditorStopsBeforeAnythingIsDeleted)
 {
 	Project.MakeFolder(CookRoot + "/Plugins/Cave");
-	std::filesystem::remove(Project.EngineDir() + "/Binaries/Win64/UnrealEditor-Cmd.exe");
+	std::filesystem::remove(QVStandalone::ToOsPath(Project.EngineDir() + "/Binaries/Win64/UnrealEditor-Cmd.exe"));
 	EXPECT_EQ(Project.Mask(Cook().ErrorMessage),
 		"UnrealEditor-Cmd.exe not found: <Engine>/Binaries/Win64/UnrealEditor-Cmd.exe");
 	EXPECT_EQ(Logged(), "Error: QVMap: UnrealEditor-Cmd.exe not found: <Engine>/Binaries/Win64/UnrealEditor-Cmd.exe\n");
@@ -256,13 +258,13 @@ TEST_F(FRealCookTest, JudgesAChildByItsReturnCodeAlone)
 	const struct
 	{
 		std::vector<std::string> Script;
-		const char* Error;
+		std::string Error;
 		const char* Output;
 	} Cases[] = {
 		{{"print LogCook: Error: all is lost"}, "", "LogCook: Error: all is lost\n"},
 		{{"print fine", "exit 3"}, "Cook failed with return code 3", "fine\n"},
-		{{"print oh", "abort"}, "Cook failed with return code 134", "oh\n"},
-		{{"signal 9"}, "Cook failed with return code 137", ""},
+		{{"print oh", "abort"}, "Cook failed with return code " + std::to_string(AbortCode), "oh\n"},
+		{{"signal 9"}, "Cook failed with return code " + std::to_string(SignalCode(9)), ""},
 		{{"print a", "close-output", "sleep 30"}, "", "a\n"},
 		{{"raw 61e282"}, "", "a\uFFFD\uFFFD"},
 		{{"print a", "grandchild 3000"}, "", "a\n"},

@@ -3,6 +3,7 @@
 
 #include "Core/QVPath.h"
 #include "Export/QVMapImportRestore.h"
+#include "Standalone/Engine/OsPath.h"
 #include "Tests/Support/ContentProject.h"
 
 #include <filesystem>
@@ -380,7 +381,7 @@ TEST_F(FImportJournal, BackupThatIsMissingIsSaid)
 TEST_F(FImportJournal, ReadOnlyOriginalIsRestoredAllTheSame)
 {
 	Write();
-	std::filesystem::permissions(Project.At(Hall), std::filesystem::perms::owner_read);
+	std::filesystem::permissions(QVStandalone::ToOsPath(Project.At(Hall)), std::filesystem::perms::owner_read);
 	EXPECT_TRUE(Recover());
 	ExpectWhole();
 }

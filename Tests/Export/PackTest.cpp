@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Export/QVMapPacker.h"
+#include "Standalone/Engine/OsPath.h"
+#include "Tests/Support/TestPrograms.h"
 #include "Tests/Support/ToolkitTest.h"
 
 using namespace QVTest;
@@ -209,7 +211,7 @@ TEST_F(FPackTest, EachFailureHasItsMessage)
 	EXPECT_EQ(Pack().ErrorMessage, "Failed to generate response file");
 	EXPECT_TRUE(Complaints().ends_with(
 		"Error: QVMap: Failed to write response file: <Project>/Saved/QVPak/Temp/Cave_filelist.txt\n"));
-	std::filesystem::remove(Tool);
+	std::filesystem::remove(QVStandalone::ToOsPath(Tool));
 	EXPECT_EQ(Project.Mask(Pack().ErrorMessage), "UnrealPak.exe not found: <Engine>/Binaries/Win64/UnrealPak.exe");
 	EXPECT_EQ(Logged(), "Error: QVMap: UnrealPak.exe not found: <Engine>/Binaries/Win64/UnrealPak.exe\n");
 	EXPECT_TRUE(Children.Commands.empty());
@@ -232,7 +234,7 @@ TEST_F(FRealPackTest, JudgesTheToolByItsReturnCodeAndByThePak)
 		{{"raw c3b6e282", "write {1}|pak"}, "", "ö\uFFFD\uFFFD"},
 		{{}, NoFile, ""},
 		{{"print oh", "write {1}|half", "exit 3"}, "UnrealPak failed with return code 3", "oh\n"},
-		{{"abort"}, "UnrealPak failed with return code 134", ""},
+		{{"abort"}, "UnrealPak failed with return code " + std::to_string(AbortCode), ""},
 		{{"write {1}/a folder|"}, NoFile, ""},
 	};
 	for (const auto& Case : Cases)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Content/QVMapReferenceAudit.h"
 #include "Export/QVMapImportScope.h"
+#include "Standalone/Engine/OsPath.h"
 #include "Tests/Support/ContentProject.h"
 
 #include <filesystem>
@@ -80,7 +81,8 @@ protected:
 		bReadOnlyMap = Chance(8);
 		if (bReadOnlyMap)
 		{
-			std::filesystem::permissions(Project.At(FileOf("/Cave/Hall", ".umap")), std::filesystem::perms::owner_read);
+			std::filesystem::permissions(
+				QVStandalone::ToOsPath(Project.At(FileOf("/Cave/Hall", ".umap"))), std::filesystem::perms::owner_read);
 		}
 		Scan();
 	}

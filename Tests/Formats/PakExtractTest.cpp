@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Formats/Base/PathText.h"
 #include "Tests/Formats/PakTestSupport.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <gtest/gtest.h>
 
@@ -88,6 +89,7 @@ TEST(PakExtract, NeverLeavesItsFolder)
 
 TEST(PakExtract, FollowsNoLinks)
 {
+	QV_SKIP_ON_WINDOWS("the standard library makes no links here");
 	FTempFolder Temp;
 	const fs::path Outside = Temp.Path() / "Outside";
 	const fs::path Folder = Temp.Path() / "To";
@@ -132,13 +134,12 @@ TEST(PakExtract, WritesAFileWholeOrNotAtAll)
 	ASSERT_EQ(Problems.size(), 6U);
 	EXPECT_EQ(Problems[0].substr(0, 42), "Good: the content is damaged: its hash is ");
 	Problems.erase(Problems.begin());
-	const std::string Here = PathText(Temp.Path());
-	EXPECT_EQ(
-		Problems, (std::vector<std::string>{"Oodle: it cannot be extracted: it is compressed with Oodle",
-					  "Secret: it cannot be extracted: it is encrypted",
-					  "Taken: " + Here + "/Taken could not be written: Is a directory",
-					  "Torn: block 1 of 1 does not inflate to its 3000 bytes",
-					  "Way/Blocked: folder " + Here + "/Way could not be made: a file of that name is in the way"}));
+	EXPECT_EQ(Problems, (std::vector<std::string>{"Oodle: it cannot be extracted: it is compressed with Oodle",
+							"Secret: it cannot be extracted: it is encrypted",
+							"Taken: " + PathText(Temp.Path() / "Taken") + " could not be written: Is a directory",
+							"Torn: block 1 of 1 does not inflate to its 3000 bytes",
+							"Way/Blocked: folder " + PathText(Temp.Path() / "Way") +
+								" could not be made: a file of that name is in the way"}));
 	EXPECT_EQ(ReadTree(Temp.Path()),
 		(FTree{{"Good", BytesOf("older")}, {"Inflates", FContent(3000)}, {"Way", BytesOf("a file")}}));
 	const FStatus Status = ExtractPakEntry(*Reader, *Reader->Find("Oodle"), Temp.Path());

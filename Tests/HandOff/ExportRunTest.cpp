@@ -4,9 +4,7 @@
 #include "Standalone/Engine/OsPath.h"
 #include "Tests/HandOff/FlowSupport.h"
 #include "Tests/Support/ScriptedWorld.h"
-
-#include <dirent.h>
-#include <sys/wait.h>
+#include "Tests/Support/TestPrograms.h"
 
 using namespace QVTest;
 
@@ -64,18 +62,6 @@ const std::string Unsupported =
 const std::string Remedy = "\nRemove these, or replace them with supported assets, then pack again. ";
 const std::string OfScript = "  \u2022 [Level Blueprint] ";
 const std::string OfActor = "  \u2022 [Untrusted Actor] ";
-
-int OpenDescriptors()
-{
-	int Count = 0;
-	DIR* Folder = ::opendir("/proc/self/fd");
-	while (::readdir(Folder) != nullptr)
-	{
-		++Count;
-	}
-	::closedir(Folder);
-	return Count;
-}
 } // namespace
 
 TEST_F(FUnsupportedContent, ALevelBlueprintIsStrippedOrNothingIsPacked)
@@ -280,6 +266,7 @@ TEST_F(FFlowTest, OnlyOneBaseReleaseIsBuiltAtATime)
 /** The originals wait in the journal until they can go back to where they belong. */
 TEST_F(FFlowTest, WhatIsRenamedWhileItIsPackedLosesNothing)
 {
+	QV_SKIP_ON_WINDOWS("a folder in which the lock's file is open cannot be renamed");
 	UseOutsideContent();
 	const std::string Before = Snapshot();
 	const auto Work = Children.Work;
@@ -307,37 +294,4 @@ TEST_F(FFlowTest, WhatIsRenamedWhileItIsPackedLosesNothing)
 		EXPECT_EQ(Recovered, std::vector<std::string>{"Cave"});
 		EXPECT_EQ(Snapshot(), Before);
 	}
-}
-
-TEST_F(FFlowTest, FiftyPacksInARowLeaveNothingBehind)
-{
-	QVStandalone::FProcesses Real;
-	Engine.Interfaces.Processes = &Real;
-	UseOutsideContent();
-	Project.ScriptEditorCmd(
-		{"write " + Project.At("Saved/Cooked/Windows/MapWork/Plugins/Cave/Content/Maps/Hall.umap") + "|1",
-			"write " + Project.At("Saved/Cooked/Windows/MapWork/Plugins/Cave/Content/Rock.uasset") + "|1"});
-	Project.ScriptUnrealPak({"write {1}|pak"});
-	const auto Threads = []
-	{
-		return std::distance(
-			std::filesystem::directory_iterator("/proc/self/task"), std::filesystem::directory_iterator());
-	};
-	Run(Request("Cave", false));
-	const std::string Before = Snapshot();
-	const std::vector<std::string> Left = Project.FilesIn("Saved/QVPak/Temp");
-	const int Descriptors = OpenDescriptors();
-	const auto ThreadCount = Threads();
-	for (int Round = 0; Round < 50; ++Round)
-	{
-		FQVMapPlaytest::RunExport(Request("Cave", false));
-		Engine.GetGameThread().RunUntilIdle();
-	}
-	EXPECT_EQ(Completed.size(), 51U);
-	EXPECT_EQ(OpenDescriptors(), Descriptors);
-	EXPECT_EQ(Threads(), ThreadCount);
-	EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "a child is left, if only to be waited for";
-	EXPECT_EQ(Project.FilesIn("Saved/QVPak/Temp"), Left);
-	EXPECT_EQ(Project.FilesIn("Saved/QVPak/Output").size(), 1U);
-	EXPECT_EQ(Snapshot(), Before);
 }

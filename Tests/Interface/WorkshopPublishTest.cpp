@@ -57,7 +57,9 @@ TEST_F(FWorkshopPublish, WhatIsInTheBoxesIsPackedAndHandedOver)
 	EXPECT_EQ(Logged(), "QVMap: Upload JSON written to " + Path + "\nQVMap: Handing " + Path +
 							" to the game for Workshop upload\nQVMap: Workshop upload sent to running game via pipe\n");
 	EXPECT_EQ(Calls.size(), 1);
-	EXPECT_TRUE(HandedOver().starts_with(R"(write \\.\pipe\QUARVEL_PakLoader quarvel://workshop_upload?config=/)"));
+	const std::string Root = Project.ProjectDir().substr(0, Project.ProjectDir().find('/') + 1);
+	EXPECT_TRUE(
+		HandedOver().starts_with(R"(write \\.\pipe\QUARVEL_PakLoader quarvel://workshop_upload?config=)" + Root));
 	EXPECT_EQ(Shown(), "");
 }
 

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Tests/Standalone/RegistrySession.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <algorithm>
 
@@ -130,6 +131,7 @@ TEST_F(AssetRegistry, AMapDependsOnWhatIsItsOwnByPlace)
 
 TEST_F(AssetRegistry, ListsWhatItCannotRead)
 {
+	QV_SKIP_ON_WINDOWS("the standard library makes no links here, and names that differ in case only are one");
 	const std::string Whole = Project.Read(HallFile);
 	Project.Write("Content/Cut.umap", Whole.substr(0, 900));
 	Project.Write("Content/Newer.umap", std::string(Whole).replace(16, 4, "\x10\x27\0\0", 4));
@@ -175,6 +177,7 @@ TEST_F(AssetRegistry, ListsWhatItCannotRead)
 
 TEST_F(AssetRegistry, FollowsLinksOnceAndMountsARootOnce)
 {
+	QV_SKIP_ON_WINDOWS("the standard library makes no links here");
 	fs::create_directory_symlink("..", OsPath("Content/Tools/up"));
 	fs::create_directory_symlink(".", OsPath("Content/Tools/self"));
 	fs::create_directory_symlink("Tools", OsPath("Content/Another"));
@@ -252,8 +255,9 @@ TEST_F(AssetRegistry, ScansTheFilesThatItIsToldOf)
 	PutMesh("Plugins/Cave/Content/Maps/New.uasset", "/Cave/Maps/New");
 	Scan({Project.At("Plugins/Cave/Content/Maps/New.uasset"), Project.At("Content/Tools/../Tools/Late.uasset")});
 	EXPECT_TRUE(Has("/Cave/Maps/New") && Has("/Game/Tools/Late"));
-	Scan({"/somewhere/Else.uasset", Project.At("Content/Tools/Late.uasset")});
-	EXPECT_TRUE(Has("/Cave/Maps/New") && Has("/Game/Tools/Late"));
+	PutMesh("Content/Tools/Latest.uasset", "/Game/Tools/Latest");
+	Scan({"X:/somewhere/Else.uasset", Project.At("Content/Tools/Latest.uasset")});
+	EXPECT_TRUE(Has("/Cave/Maps/New") && Has("/Game/Tools/Latest")) << "files on two drives have no folder in common";
 }
 
 TEST_F(AssetRegistry, ScansInTheBackground)

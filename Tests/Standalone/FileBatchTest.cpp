@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Engine/Files.h"
 #include "Tests/Standalone/TestFiles.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <gtest/gtest.h>
 
@@ -32,8 +33,9 @@ TEST_P(FCopyBatches, ManyAtOnceAreDoneLikeEachAlone)
 		Copies.push_back({Targets.back(), Disk.Put(Name, std::string(static_cast<std::size_t>(Number) * 5000, 'x'))});
 	}
 	Disk.Put("a/from0", "old");
+	fs::create_directory(Disk.OsPath("real"));
+	QVTest::ShowFolder(Disk.OsPath("real"), Disk.OsPath("b"));
 	Disk.Put("real/b", "old");
-	fs::create_directory_symlink("real", Disk.OsPath("b"));
 	fs::permissions(Disk.OsPath("a/from0"), fs::perms(0444));
 	fs::remove(Disk.OsPath("from7"));
 	Copies[9].To = Disk("no folder/from9");

@@ -6,6 +6,7 @@
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Formats/Package/LevelPackages.h"
 #include "Tests/Support/ContentProject.h"
+#include "Tests/Support/TestPrograms.h"
 
 using namespace QVTest;
 using namespace QVFormats;
@@ -166,7 +167,7 @@ TEST_F(FLevelScriptTest, PutsTheFileBackWhenItDidNotWork)
 		{{Saved, "lines 12", "exit 3"}, Tool + "ended with code 3",
 			Lines +
 				"line 3\n  line 4\n  line 5\n  line 6\n  line 7\n  line 8\n  line 9\n  line 10\n  line 11\n  line 12"},
-		{{Saved, "abort"}, Tool + "ended with code 134", ""},
+		{{Saved, "abort"}, Tool + "ended with code " + std::to_string(AbortCode), ""},
 		{{"write " + File + "|no package"}, "what Unreal Editor has saved cannot be read: <Project>/", ""},
 		{{"remove " + File}, "what Unreal Editor has saved cannot be read: <Project>/", ""},
 		{{CopyOver("Editor/WithCode.umap")}, "what Unreal Editor has saved still has the function(s) ReceiveBeginPlay",
@@ -251,6 +252,7 @@ TEST_F(FLevelScriptTest, RefusesWhatIsKnownBefore)
 	Project.Write("Plugins/Cave/Content/Maps/Bare.umap", Project.Read(MapFile));
 	fs::permissions(ToOsPath(Project.At(MapFile)), fs::perms(0444));
 	EXPECT_EQ(Refusal("/Cave/Maps/Hall"), std::string("<Project>/") + MapFile + " is marked read-only");
+	fs::permissions(ToOsPath(Project.At(MapFile)), fs::perms::owner_all);
 	Project.Remove(InEngine("Binaries/Win64/UnrealEditor-Cmd.exe"));
 	EXPECT_EQ(Refusal("/Cave/Maps/Hall"), "<Engine>/Binaries/Win64/UnrealEditor-Cmd.exe is not there");
 	const IQVWorld& World = Open();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Tests/Formats/TestContent.h"
 #include "Tests/Standalone/RegistrySession.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <cstring>
 
@@ -62,8 +63,12 @@ TEST_F(PackageTraits, SpellingIsThatOfTheFilesWhateverNamesSay)
 		EXPECT_EQ(Misspelled(Session, "/Game/NotThere"), FTexts{});
 	}
 	// the file takes the name that the reference has
-	fs::rename(OsPath("Content/Traits/Twig.uasset"), OsPath("Content/Traits/twig.uasset"));
-	fs::rename(OsPath("Content/Traits/Stone.uasset"), OsPath("Content/Traits/STONE.uasset"));
+	for (const auto& [Old, New] : {std::pair("Twig", "twig"), std::pair("Stone", "STONE")})
+	{
+		// in two steps: to some systems both are one name, and nothing is to be done
+		fs::rename(OsPath(QVPrintf("Content/Traits/%s.uasset", Old)), OsPath("Content/Traits/between"));
+		fs::rename(OsPath("Content/Traits/between"), OsPath(QVPrintf("Content/Traits/%s.uasset", New)));
+	}
 	const FRegistrySession Session(Project);
 	EXPECT_EQ(Misspelled(Session, "/Game/Other"), FTexts{});
 	EXPECT_EQ(Misspelled(Session, "/Game/Right"), FTexts{"/Game/Traits/Stone /Game/Traits/STONE"});
@@ -96,7 +101,7 @@ TEST_F(PackageTraits, NewerEnginesByTheFilesThatTheyHaveSaved)
 		GTEST_SKIP() << "QVMAP_TEST_CONTENT does not name a folder with packages of many versions";
 	}
 	Project.Remove("Content");
-	fs::create_directory_symlink(Versions, OsPath("Content"));
+	ShowFolder(Versions, OsPath("Content"));
 	for (const char* Start : {"first", "from the cache"})
 	{
 		SCOPED_TRACE(Start);

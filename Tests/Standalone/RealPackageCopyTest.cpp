@@ -2,6 +2,7 @@
 #include "Standalone/Engine/OsPath.h"
 #include "Tests/Formats/PackageEditSupport.h"
 #include "Tests/Formats/TestContent.h"
+#include "Tests/Support/TestPrograms.h"
 #include "Tests/Support/ToolkitTest.h"
 
 using namespace QVTest;
@@ -17,7 +18,7 @@ struct FRealPackageCopyTest : FToolkitTest
 
 	void Prepare()
 	{
-		fs::create_directory_symlink(ContentFolder() / "als", QVStandalone::ToOsPath(Project.At("Plugins/ALS")));
+		ShowFolder(ContentFolder() / "als", QVStandalone::ToOsPath(Project.At("Plugins/ALS")));
 		Project.AddMod("Cave", {});
 		Engine.GetAssetRegistry().StartScan();
 		ASSERT_TRUE(Engine.GetAssetRegistry().FinishScan());

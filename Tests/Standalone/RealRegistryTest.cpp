@@ -4,6 +4,7 @@
 #include "Standalone/Formats/Registry/AssetRegistry.h"
 #include "Tests/Formats/TestContent.h"
 #include "Tests/Standalone/RegistrySession.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <array>
 #include <cstring>
@@ -57,7 +58,7 @@ FTexts DescribeAll(const FAssetRegistry& Registry, FQVName Package)
 /** Against the whole headers, of which the registry reads only parts. */
 TEST_F(RealRegistry, KnowsEveryPackageOfAPluginAsItsFileSays)
 {
-	fs::create_directory_symlink(ContentFolder() / "als", OsPath("Plugins/ALS"));
+	ShowFolder(ContentFolder() / "als", OsPath("Plugins/ALS"));
 	FRegistrySession Session(Project);
 	EXPECT_EQ(Session.Registry.GetPackageCount(), 362U);
 	EXPECT_EQ(Session.Unreadable(), FTexts{});
@@ -106,7 +107,7 @@ TEST_F(RealRegistry, KnowsEveryPackageOfAPluginAsItsFileSays)
 TEST_F(RealRegistry, AgreesWithTheEnginesOwn)
 {
 	Project.Remove("Content");
-	fs::create_directory_symlink(ContentFolder() / "a3/Content", OsPath("Content"));
+	ShowFolder(ContentFolder() / "a3/Content", OsPath("Content"));
 	FRegistrySession Session(Project);
 	const std::vector<std::byte> Bytes =
 		ToBytes(ReadText(ContentFolder() / "a3/Saved/Cooked/Windows/MyProject/Metadata/DevelopmentAssetRegistry.bin"));

@@ -31,6 +31,9 @@ private:
 
 	void Set(const std::optional<std::string>& Value) const
 	{
+#ifdef _WIN32
+		::_putenv_s(Name, Value.value_or("").c_str());
+#else
 		if (Value)
 		{
 			::setenv(Name, Value->c_str(), 1);
@@ -39,6 +42,7 @@ private:
 		{
 			::unsetenv(Name);
 		}
+#endif
 	}
 };
 } // namespace QVTest

@@ -1,11 +1,22 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#ifndef _WIN32
 #include <csignal>
 #include <sys/resource.h>
+#endif
 
 namespace QVTest
 {
+#ifdef _WIN32
+constexpr bool bSmallDisks = false;
+/** Nothing of that kind is there: tests with it are skipped. */
+struct FSmallDisk
+{
+	explicit FSmallDisk(int /*Bytes*/) {}
+};
+#else
+constexpr bool bSmallDisks = true;
 /** As on a full disk: no file of this program may grow over this many bytes. */
 class FSmallDisk
 {
@@ -29,4 +40,5 @@ private:
 	rlimit Old = {};
 	void (*OldAction)(int) = SIG_DFL;
 };
+#endif
 } // namespace QVTest

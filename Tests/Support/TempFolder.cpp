@@ -7,6 +7,19 @@
 
 namespace QVTest
 {
+void RemoveAll(const std::filesystem::path& Path)
+{
+#ifdef _WIN32
+	std::error_code Ignored;
+	std::filesystem::permissions(Path, std::filesystem::perms::owner_all, Ignored);
+	for (const auto& Entry : std::filesystem::recursive_directory_iterator(Path, Ignored))
+	{
+		std::filesystem::permissions(Entry, std::filesystem::perms::owner_all, Ignored);
+	}
+#endif
+	std::filesystem::remove_all(Path);
+}
+
 FTempFolder::FTempFolder()
 {
 	std::random_device Random;
@@ -21,7 +34,12 @@ FTempFolder::FTempFolder()
 
 FTempFolder::~FTempFolder()
 {
-	std::error_code Ignored;
-	std::filesystem::remove_all(Root, Ignored);
+	try
+	{
+		RemoveAll(Root);
+	}
+	catch (const std::filesystem::filesystem_error&) // it is left behind
+	{
+	}
 }
 } // namespace QVTest

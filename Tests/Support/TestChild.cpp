@@ -22,9 +22,10 @@
 //   exit CODE               0 at the script's end
 //
 // In paths and texts {arg:-create} is what follows "-create=" in our arguments, and {1} is the first argument.
+#include "Tests/Support/TestChildSystem.h"
+
 #include <algorithm>
 #include <chrono>
-#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -32,11 +33,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <sys/resource.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 namespace
@@ -44,10 +41,13 @@ namespace
 namespace fs = std::filesystem;
 
 constexpr int BadScript = 97;
-constexpr timeval LongestWait{30, 0};
 
 std::vector<std::string> Arguments;
-int Listener = -1;
+
+fs::path PathOf(const std::string& Utf8)
+{
+	return std::u8string(Utf8.begin(), Utf8.end());
+}
 
 [[noreturn]] void FailScript(std::string_view Why)
 {
@@ -115,7 +115,7 @@ void WriteWithLineEnds(const std::string& Path, std::string Text)
 	{
 		Text.replace(At, 2, "\n");
 	}
-	WriteFile(Path, Text);
+	WriteFile(PathOf(Path), Text);
 }
 
 void PrintRaw(std::string_view Hex)
@@ -158,44 +158,11 @@ void ListFiles(const fs::path& Folder, const fs::path& Out)
 	WriteFile(Out, Text);
 }
 
-void Listen(const std::string& Path)
+/** In two steps: not every standard library replaces a file. */
+void CopyOver(const fs::path& From, const fs::path& To)
 {
-	sockaddr_un Address = {};
-	Address.sun_family = AF_UNIX;
-	Path.copy(Address.sun_path, sizeof(Address.sun_path) - 1);
-	Listener = ::socket(AF_UNIX, SOCK_STREAM, 0);
-	::setsockopt(Listener, SOL_SOCKET, SO_RCVTIMEO, &LongestWait, sizeof(LongestWait));
-	if (::bind(Listener, reinterpret_cast<const sockaddr*>(&Address), sizeof(Address)) != 0 ||
-		::listen(Listener, 4) != 0)
-	{
-		FailScript("cannot listen at " + Path);
-	}
-}
-
-void RecordMessage(const fs::path& Out)
-{
-	const int Sender = ::accept(Listener, nullptr, nullptr);
-	if (Sender < 0)
-	{
-		FailScript("nobody came");
-	}
-	std::string Message;
-	char Buffer[256];
-	for (ssize_t Count = 0; (Count = ::read(Sender, Buffer, sizeof(Buffer))) > 0;)
-	{
-		Message.append(Buffer, static_cast<std::size_t>(Count));
-	}
-	::close(Sender);
-	WriteFile(Out, Message);
-}
-
-void StartGrandchild(int Milliseconds)
-{
-	if (::fork() == 0)
-	{
-		Sleep(Milliseconds);
-		std::_Exit(0);
-	}
+	fs::remove(To);
+	fs::copy_file(From, To);
 }
 
 void ListArguments(const fs::path& Out)
@@ -214,14 +181,6 @@ void PrintLines(int Count)
 	{
 		std::cout << "line " << Line << '\n';
 	}
-}
-
-void RaiseWithoutCore(int Signal)
-{
-	const rlimit NoCore{0, 0};
-	::setrlimit(RLIMIT_CORE, &NoCore);
-	std::raise(Signal);
-	Sleep(30'000);
 }
 
 /** What stands behind the command; as one text, in two parts, as a number. */
@@ -244,23 +203,18 @@ constexpr FCommand Commands[] = {
 	{"lines", [](const FRest& Rest) { PrintLines(Rest.Number); }},
 	{"raw", [](const FRest& Rest) { PrintRaw(Rest.Text); }},
 	{"sleep", [](const FRest& Rest) { Sleep(Rest.Number); }},
-	{"wait", [](const FRest& Rest) { WaitFor(Rest.Text); }},
+	{"wait", [](const FRest& Rest) { WaitFor(PathOf(Rest.Text)); }},
 	{"write", [](const FRest& Rest) { WriteWithLineEnds(Rest.First, Rest.Second); }},
-	{"copy", [](const FRest& Rest) { fs::copy_file(Rest.First, Rest.Second, fs::copy_options::overwrite_existing); }},
-	{"remove", [](const FRest& Rest) { fs::remove_all(Rest.Text); }},
-	{"arguments", [](const FRest& Rest) { ListArguments(Rest.Text); }},
-	{"list", [](const FRest& Rest) { ListFiles(Rest.First, Rest.Second); }},
-	{"listen", [](const FRest& Rest) { Listen(Rest.Text); }},
-	{"record", [](const FRest& Rest) { RecordMessage(Rest.Text); }},
-	{"close-output",
-		[](const FRest&)
-		{
-			::close(STDOUT_FILENO);
-			::close(STDERR_FILENO);
-		}},
-	{"grandchild", [](const FRest& Rest) { StartGrandchild(Rest.Number); }},
-	{"abort", [](const FRest&) { RaiseWithoutCore(SIGABRT); }},
-	{"signal", [](const FRest& Rest) { RaiseWithoutCore(Rest.Number); }},
+	{"copy", [](const FRest& Rest) { CopyOver(PathOf(Rest.First), PathOf(Rest.Second)); }},
+	{"remove", [](const FRest& Rest) { fs::remove_all(PathOf(Rest.Text)); }},
+	{"arguments", [](const FRest& Rest) { ListArguments(PathOf(Rest.Text)); }},
+	{"list", [](const FRest& Rest) { ListFiles(PathOf(Rest.First), PathOf(Rest.Second)); }},
+	{"listen", [](const FRest& Rest) { QVTest::Listen(Rest.Text); }},
+	{"record", [](const FRest& Rest) { WriteFile(PathOf(Rest.Text), QVTest::ReceiveMessage()); }},
+	{"close-output", [](const FRest&) { QVTest::CloseOutput(); }},
+	{"grandchild", [](const FRest& Rest) { QVTest::StartGrandchild(Rest.Number); }},
+	{"abort", [](const FRest&) { QVTest::Abort(); }},
+	{"signal", [](const FRest& Rest) { QVTest::RaiseSignal(Rest.Number); }},
 	{"exit", [](const FRest& Rest) { std::_Exit(Rest.Number); }},
 };
 
@@ -280,9 +234,15 @@ void DoCommand(std::string_view Verb, const std::string& Text)
 
 int main(int Count, char** Words)
 {
-	Arguments.assign(Words + 1, Words + Count);
-	const std::string Path = Words[0] + std::string(".script");
-	std::ifstream Script(Path);
+	Arguments = QVTest::ProgramWords(Count, Words);
+	const std::string Path = Arguments.front() + ".script";
+	Arguments.erase(Arguments.begin());
+	if (Arguments.size() == 2 && Arguments.front() == "--sleep")
+	{
+		Sleep(std::atoi(Arguments.back().c_str()));
+		return 0;
+	}
+	std::ifstream Script(PathOf(Path));
 	if (!Script)
 	{
 		FailScript("no script " + Path);

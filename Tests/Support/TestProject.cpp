@@ -5,6 +5,7 @@
 #include "Standalone/Engine/OsPath.h"
 #include "Standalone/Formats/Package/LevelPackages.h"
 #include "Standalone/Formats/Registry/AssetRegistryBuilder.h"
+#include "Tests/Support/TestPrograms.h"
 
 #include <algorithm>
 #include <fstream>
@@ -44,7 +45,7 @@ FTestProject::FTestProject()
 	fs::create_directories(Engine / "Binaries/Win64");
 	for (const char* Tool : {"UnrealEditor-Cmd.exe", "UnrealPak.exe"})
 	{
-		fs::create_symlink(fs::path(QVMAP_TEST_BIN) / "qvmap-test-child", Engine / "Binaries/Win64" / Tool);
+		PlaceTestChild(Engine / "Binaries/Win64" / Tool);
 	}
 }
 
@@ -83,7 +84,7 @@ void FTestProject::MakeFolder(std::string_view Relative) const
 
 void FTestProject::Remove(std::string_view Relative) const
 {
-	fs::remove_all(QVStandalone::ToOsPath(At(Relative)));
+	RemoveAll(QVStandalone::ToOsPath(At(Relative)));
 }
 
 std::vector<std::string> FTestProject::FilesIn(std::string_view Relative) const

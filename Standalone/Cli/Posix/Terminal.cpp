@@ -14,12 +14,6 @@ namespace QVCli
 {
 namespace
 {
-void Put(std::string_view Text)
-{
-	std::fwrite(Text.data(), 1, Text.size(), stderr);
-	std::fflush(stderr);
-}
-
 /** False after an interrupt. */
 bool WaitForInput()
 {
@@ -36,6 +30,8 @@ bool WaitForInput()
 }
 } // namespace
 
+void PrepareTerminal() {}
+
 bool IsTerminal()
 {
 	const char* Kind = std::getenv("TERM");
@@ -49,6 +45,12 @@ std::size_t TerminalWidth()
 	return bKnown ? Size.ws_col : 80;
 }
 
+void PutText(std::FILE* Stream, std::string_view Text)
+{
+	std::fwrite(Text.data(), 1, Text.size(), Stream);
+	std::fflush(Stream);
+}
+
 bool CanAsk()
 {
 	return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
@@ -56,7 +58,7 @@ bool CanAsk()
 
 std::optional<std::string> AskLine(std::string_view Prompt)
 {
-	Put(Prompt);
+	PutText(stderr, Prompt);
 	std::string Line;
 	for (char Letter = 0; WaitForInput() && ::read(STDIN_FILENO, &Letter, 1) == 1;)
 	{
@@ -66,7 +68,7 @@ std::optional<std::string> AskLine(std::string_view Prompt)
 		}
 		Line.push_back(Letter);
 	}
-	Put("\n"); // nobody has pressed Return
+	PutText(stderr, "\n"); // nobody has pressed Return
 	return std::nullopt;
 }
 } // namespace QVCli

@@ -1,19 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "Core/QVPath.h"
 #include "Standalone/Engine/EngineLocator.h"
+#include "Standalone/Engine/Environment.h"
 #include "Standalone/Engine/Files.h"
-
-#include <cstdlib>
 
 namespace QVStandalone
 {
 std::vector<FInstallRecord> ReadInstallRecords()
 {
-	const char* ConfigHome = std::getenv("XDG_CONFIG_HOME");
-	const char* Home = std::getenv("HOME");
-	const std::string Config = ConfigHome != nullptr && *ConfigHome != '\0' ? std::string(ConfigHome)
-							   : Home != nullptr							? FQVPath::Combine(Home, ".config")
-																			: std::string();
+	const std::string ConfigHome = EnvironmentValue("XDG_CONFIG_HOME");
+	const std::string Home = EnvironmentValue("HOME");
+	const std::string Config = !ConfigHome.empty() || Home.empty() ? ConfigHome : FQVPath::Combine(Home, ".config");
 	if (Config.empty())
 	{
 		return {};

@@ -85,7 +85,7 @@ std::error_code MakeFolders(const fs::path& Folder)
 	return Error;
 }
 
-std::error_code RemoveEntry(const fs::path& Path, FFolderFlushes* Later)
+std::error_code RemoveEntry(const fs::path& Path, bool /*bEvenReadOnly*/, FFolderFlushes* Later)
 {
 	std::error_code Error;
 	const bool bRemoved = fs::remove(Path, Error);

@@ -3,20 +3,27 @@
 
 #include <algorithm>
 #include <bit>
-#if defined(__x86_64__)
+#if defined(__GNUC__) && defined(__x86_64__)
 #include <cpuid.h>
 #include <immintrin.h>
 #endif
-
-// The message schedule is worked out four words at a time beside the rounds; a function call between them would cost
-// more than the work, so everything is inlined into one loop body.
-#define QV_INLINE inline __attribute__((always_inline))
 
 namespace QVFormats
 {
 namespace
 {
 using FWord = std::uint32_t;
+
+constexpr FWord RoundConstant(int Round)
+{
+	return Round < 20 ? 0x5A827999 : Round < 40 ? 0x6ED9EBA1 : Round < 60 ? 0x8F1BBCDC : 0xCA62C1D6;
+}
+
+#if defined(__GNUC__)
+// The message schedule is worked out four words at a time beside the rounds; a function call between them would cost
+// more than the work, so everything is inlined into one loop body.
+#define QV_INLINE inline __attribute__((always_inline))
+
 using FWords __attribute__((vector_size(16))) = FWord;
 using FLanes __attribute__((vector_size(16))) = unsigned char;
 
@@ -31,11 +38,6 @@ template<int Bits>
 QV_INLINE void RotateLeft(FWords& Words)
 {
 	Words = (Words << Bits) | (Words >> (32 - Bits));
-}
-
-constexpr FWord RoundConstant(int Round)
-{
-	return Round < 20 ? 0x5A827999 : Round < 40 ? 0x6ED9EBA1 : Round < 60 ? 0x8F1BBCDC : 0xCA62C1D6;
 }
 
 QV_INLINE void LoadBigEndian(FWords& Words, const std::byte* Data)
@@ -159,15 +161,60 @@ void AddBlocksPortable(FWord* State, const std::byte* Data, std::size_t Blocks)
 {
 	AddBlocks(State, Data, Blocks);
 }
+#else
+/** As the standard has it, for compilers without vectors of their own. */
+FWord Mix(int Round, const FWord* V)
+{
+	return Round < 20				   ? (V[1] & V[2]) | (~V[1] & V[3])
+		   : Round >= 40 && Round < 60 ? (V[1] & V[2]) | (V[1] & V[3]) | (V[2] & V[3])
+									   : V[1] ^ V[2] ^ V[3];
+}
 
-#if defined(__x86_64__)
+void AddBlock(FWord* State, const std::byte* Data)
+{
+	FWord Words[80];
+	for (int Index = 0; Index < 16; ++Index)
+	{
+		const auto Byte = [&](int At) { return std::to_integer<FWord>(Data[4 * Index + At]); };
+		Words[Index] = (Byte(0) << 24) | (Byte(1) << 16) | (Byte(2) << 8) | Byte(3);
+	}
+	for (int Index = 16; Index < 80; ++Index)
+	{
+		Words[Index] = std::rotl(Words[Index - 3] ^ Words[Index - 8] ^ Words[Index - 14] ^ Words[Index - 16], 1);
+	}
+	FWord V[5] = {State[0], State[1], State[2], State[3], State[4]};
+	for (int Round = 0; Round < 80; ++Round)
+	{
+		const FWord Next = std::rotl(V[0], 5) + Mix(Round, V) + V[4] + RoundConstant(Round) + Words[Round];
+		V[4] = V[3];
+		V[3] = V[2];
+		V[2] = std::rotl(V[1], 30);
+		V[1] = V[0];
+		V[0] = Next;
+	}
+	for (int Index = 0; Index < 5; ++Index)
+	{
+		State[Index] += V[Index];
+	}
+}
+
+void AddBlocksPortable(FWord* State, const std::byte* Data, std::size_t Blocks)
+{
+	for (; Blocks > 0; --Blocks, Data += 64)
+	{
+		AddBlock(State, Data);
+	}
+}
+#endif
+
+#if defined(__GNUC__) && defined(__x86_64__)
 __attribute__((target("avx,bmi,bmi2"))) void AddBlocksAvx(FWord* State, const std::byte* Data, std::size_t Blocks)
 {
 	AddBlocks(State, Data, Blocks);
 }
 #endif
 
-#if defined(__x86_64__)
+#if defined(__GNUC__) && defined(__x86_64__)
 /** The processor's own instructions: a group of four rounds each, whose kind is a part of the instruction. */
 struct FShaRounds
 {
@@ -234,7 +281,7 @@ using FAddBlocks = void (*)(FWord*, const std::byte*, std::size_t);
 
 FAddBlocks PickAddBlocks()
 {
-#if defined(__x86_64__)
+#if defined(__GNUC__) && defined(__x86_64__)
 	if (HasShaInstructions())
 	{
 		return AddBlocksSha;

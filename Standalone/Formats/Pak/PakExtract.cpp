@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Formats/Pak/PakExtract.h"
 
+#include "Standalone/Formats/Base/Disk.h"
 #include "Standalone/Formats/Base/OutputFile.h"
 #include "Standalone/Formats/Base/Parallel.h"
 #include "Standalone/Formats/Base/PathText.h"
@@ -79,25 +80,23 @@ FStatus FFolderMaker::Make(const fs::path& Relative)
 FStatus FFolderMaker::MakeTarget()
 {
 	std::error_code Code;
-	fs::create_directories(Target, Code);
-	return fs::is_directory(Target, Code)
-			   ? Success()
-			   : FError{"folder " + PathText(Target) + " could not be made: " + Code.message()};
+	FDisk::MakeFolders(Target, Code);
+	return FDisk::IsFolder(Target) ? Success()
+								   : FError{"folder " + PathText(Target) + " could not be made: " + Code.message()};
 }
 
 FStatus FFolderMaker::MakeOne(const fs::path& Folder)
 {
 	std::error_code Code;
-	fs::create_directory(Folder, Code);
-	const fs::file_type Type = fs::symlink_status(Folder, Code).type();
-	if (Type == fs::file_type::directory)
+	FDisk::MakeFolder(Folder, Code);
+	const bool bLink = FDisk::IsLink(Folder);
+	if (!bLink && FDisk::IsFolder(Folder))
 	{
 		return Success();
 	}
-	return FError{Type == fs::file_type::symlink
-					  ? PathText(Folder) + " is a link, which is not followed; remove it or choose another folder"
-					  : "folder " + PathText(Folder) + " could not be made: " +
-							(Type == fs::file_type::not_found ? Code.message() : "a file of that name is in the way")};
+	return FError{bLink ? PathText(Folder) + " is a link, which is not followed; remove it or choose another folder"
+						: "folder " + PathText(Folder) + " could not be made: " +
+							  (!FDisk::Exists(Folder) ? Code.message() : "a file of that name is in the way")};
 }
 
 struct FExtractWorker

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "Standalone/Formats/Pak/PakPlan.h"
 
+#include "Standalone/Formats/Base/Disk.h"
 #include "Standalone/Formats/Base/InputFile.h"
 #include "Standalone/Formats/Base/Parallel.h"
 #include "Standalone/Formats/Base/PathText.h"
@@ -90,7 +91,7 @@ bool LooksIncompressible(FInputFile& Input, std::uint64_t Size)
 std::optional<FError> LookAtSource(FPlannedFile& File)
 {
 	std::error_code Code;
-	File.Size = std::filesystem::file_size(File.Source, Code);
+	File.Size = FDisk::SizeOf(File.Source, Code);
 	if (Code)
 	{
 		return FError{PathText(File.Source) + " could not be read: " + Code.message()};

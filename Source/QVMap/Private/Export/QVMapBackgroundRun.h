@@ -47,13 +47,13 @@ struct TQVBackgroundRun
 		FQVEngine::Get().GameThread->RunOnDedicatedThread(
 			[Run, Work = std::move(Work)]
 			{
-				TResult Result = Work(FQVCookProgress(
+				TResult Outcome = Work(FQVCookProgress(
 					[Run = Run.get()](std::string_view Stage, float Fraction, std::string_view Message)
 					{
 						const std::lock_guard Guard(Run->ProgressLock);
 						Run->Progress = {std::string(Stage), Fraction, std::string(Message)};
 					}));
-				Run->Result = std::move(Result);
+				Run->Result = std::move(Outcome);
 				Run->bRunning.store(0);
 			});
 		return Run;

@@ -62,7 +62,7 @@ void FQVMapUnfinishedSaves::Delete(std::string_view PluginName, const FQVImportR
 	}
 	for (const auto& [Folder, Names] : Originals)
 	{
-		DeleteIn(Folder, [&Names](std::string_view Target) { return Names.contains(Target); });
+		DeleteIn(Folder, [&Names = Names](std::string_view Target) { return Names.contains(Target); });
 	}
 	DeleteAmongCopies(FQVMapImportPaths::GetCopiesFolder(PluginName));
 }

@@ -2,40 +2,26 @@
 #include "Standalone/Engine/PackageFileWalk.h"
 
 #include "Core/QVString.h"
+#include "Standalone/Engine/FolderReader.h"
 #include "Standalone/Engine/FolderTree.h"
 #include "Standalone/Formats/Base/Parallel.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <condition_variable>
 #include <deque>
-#include <dirent.h>
-#include <fcntl.h>
 #include <memory>
 #include <mutex>
 #include <set>
-#include <sys/stat.h>
-#include <system_error>
 #include <tuple>
 
 namespace QVStandalone
 {
 namespace
 {
-std::string LastProblem()
-{
-	return std::generic_category().message(errno);
-}
-
 bool IsPackageFile(std::string_view Name, bool& bOutMap)
 {
 	bOutMap = FQVString::EndsWithIgnoreCase(Name, ".umap");
 	return bOutMap || FQVString::EndsWithIgnoreCase(Name, ".uasset");
-}
-
-std::int64_t TimeOf(const struct stat& Info)
-{
-	return static_cast<std::int64_t>(Info.st_mtim.tv_sec) * 1'000'000'000 + Info.st_mtim.tv_nsec;
 }
 
 /** Folders that wait to be read, read by several threads until there are none left. */
@@ -83,7 +69,7 @@ private:
 	std::condition_variable Wake;
 	std::vector<FFolderNode*> Waiting;
 	std::size_t Busy = 0;
-	std::set<std::tuple<std::size_t, dev_t, ino_t>> Visited;
+	std::set<std::tuple<std::size_t, FFolderReader::FIdentity>> Visited;
 	std::vector<FLink> Links;
 
 	void Drain()
@@ -117,19 +103,11 @@ private:
 
 	void Read(FFolderNode& Node)
 	{
-		DIR* Stream = ::opendir(Node.Folder.Path.c_str());
-		if (Stream == nullptr)
-		{
-			if (errno != ENOENT)
-			{
-				NoteUnreadable(Node, LastProblem());
-			}
-			return;
-		}
-		if (IsFirstVisit(Node, ::dirfd(Stream)))
+		FFolderReader Folder(Node.Folder.Path);
+		if (Folder.IsOpen() && IsFirstVisit(Node, Folder))
 		{
 			std::vector<FLink> NewLinks;
-			ReadEntries(Node, Stream, NewLinks);
+			ReadEntries(Node, Folder, NewLinks);
 			Node.Sort();
 			const std::lock_guard Guard(Lock);
 			std::move(NewLinks.begin(), NewLinks.end(), std::back_inserter(Links));
@@ -141,7 +119,10 @@ private:
 				}
 			}
 		}
-		::closedir(Stream);
+		if (!Folder.Problem().empty())
+		{
+			NoteUnreadable(Node, Folder.Problem());
+		}
 	}
 
 	void NoteUnreadable(const FFolderNode& Node, std::string Problem)
@@ -150,39 +131,30 @@ private:
 		Unreadable.push_back({Node.Folder.Path, std::move(Problem)});
 	}
 
-	bool IsFirstVisit(const FFolderNode& Node, int Folder)
+	bool IsFirstVisit(const FFolderNode& Node, FFolderReader& Folder)
 	{
-		struct stat Info = {};
-		if (::fstat(Folder, &Info) != 0)
+		FFolderReader::FIdentity Identity;
+		if (!Folder.Identify(Identity))
 		{
-			NoteUnreadable(Node, LastProblem());
 			return false;
 		}
 		const std::lock_guard Guard(Lock);
-		return Visited.emplace(Node.Root, Info.st_dev, Info.st_ino).second;
+		return Visited.emplace(Node.Root, Identity).second;
 	}
 
-	void ReadEntries(FFolderNode& Node, DIR* Stream, std::vector<FLink>& OutLinks)
+	static void ReadEntries(FFolderNode& Node, FFolderReader& Folder, std::vector<FLink>& OutLinks)
 	{
-		errno = 0;
-		while (const dirent* Entry = ::readdir(Stream))
+		while (Folder.Next())
 		{
-			const std::string_view Name = Entry->d_name;
 			bool bMap = false;
-			const bool bItself = Name == "." || Name == "..";
-			if (Entry->d_type == DT_DIR && !bItself)
+			if (Folder.Kind() == FFolderReader::EKind::Folder)
 			{
-				AddFolder(Node, Name);
+				AddFolder(Node, Folder.Name());
 			}
-			else if (!bItself && (Entry->d_type == DT_LNK || Entry->d_type == DT_UNKNOWN || IsPackageFile(Name, bMap)))
+			else if (Folder.Kind() == FFolderReader::EKind::Unknown || IsPackageFile(Folder.Name(), bMap))
 			{
-				AddExamined(Node, Entry->d_name, ::dirfd(Stream), OutLinks);
+				AddExamined(Node, Folder, OutLinks);
 			}
-			errno = 0;
-		}
-		if (errno != 0)
-		{
-			NoteUnreadable(Node, LastProblem());
 		}
 	}
 
@@ -194,43 +166,28 @@ private:
 	}
 
 	/** A file, or a link to whatever. */
-	static void AddExamined(FFolderNode& Node, const char* Name, int Folder, std::vector<FLink>& OutLinks)
+	static void AddExamined(FFolderNode& Node, const FFolderReader& Folder, std::vector<FLink>& OutLinks)
 	{
+		const std::string_view Name = Folder.Name();
+		FFolderReader::FDetails Details = Folder.Examine();
 		FWalkedFile File;
-		File.FileName = Name;
-		const bool bPackage = IsPackageFile(Name, File.File.bMap);
-		struct stat Info = {};
-		if (::fstatat(Folder, Name, &Info, 0) != 0)
+		if (Details.Kind == FFolderReader::EKind::Folder)
 		{
-			File.Problem = "cannot be examined: " + LastProblem();
+			AddFolder(Node, Name); // not a link: a disk that does not tell folders in its listing
 		}
-		else if (S_ISDIR(Info.st_mode))
+		else if (Details.Kind == FFolderReader::EKind::LinkToFolder)
 		{
-			AddLinkedFolder(Node, Name, Folder, OutLinks);
-			return;
+			OutLinks.push_back({&Node, FQVString::ToLower(Name) + "/", Node.MakeInner(Name)});
 		}
-		else if (!S_ISREG(Info.st_mode))
+		else if (IsPackageFile(Name, File.File.bMap))
 		{
-			File.Problem = "is not a file";
-		}
-		if (bPackage)
-		{
-			File.File.Size = static_cast<std::int64_t>(Info.st_size);
-			File.File.Time = TimeOf(Info);
+			File.FileName = Name;
+			File.Problem = std::move(Details.Problem);
+			File.File.Size = Details.Size;
+			File.File.Time = Details.Time;
 			std::string Key = FQVString::ToLower(File.BaseName());
 			Node.Entries.push_back({std::move(Key), std::move(File), nullptr});
 		}
-	}
-
-	static void AddLinkedFolder(FFolderNode& Node, const char* Name, int Folder, std::vector<FLink>& OutLinks)
-	{
-		struct stat Info = {};
-		if (::fstatat(Folder, Name, &Info, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(Info.st_mode))
-		{
-			AddFolder(Node, Name); // not a link: a disk that does not tell folders in its listing
-			return;
-		}
-		OutLinks.push_back({&Node, FQVString::ToLower(Name) + "/", Node.MakeInner(Name)});
 	}
 };
 

@@ -1,0 +1,10 @@
+# Built here, from the sources that Debian's package "googletest" brings.
+set(INSTALL_GTEST OFF)
+set(BUILD_GMOCK OFF)
+add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
+foreach(Part gtest gtest_main)
+  if(NOT TARGET GTest::${Part})
+    add_library(GTest::${Part} ALIAS ${Part})
+  endif()
+endforeach()
+set(GTest_FOUND TRUE)
