@@ -124,7 +124,8 @@ TEST_F(AssetRegistry, AMapDependsOnWhatIsItsOwnByPlace)
 	const FRegistrySession Session(Project);
 	EXPECT_EQ(Session.Dependencies("/game/maps/HALL", EQVDependencyQuery::Game),
 		(FTexts{"soft game /Game/Rock", "soft game /Game/__ExternalActors__/Maps/Hall/0/AB/X1",
-			"soft game /Game/__ExternalActors__/maps/hall/F/CD/X2",
+			bNamesHeedCase ? "soft game /Game/__ExternalActors__/maps/hall/F/CD/X2"
+						   : "soft game /Game/__ExternalActors__/Maps/Hall/F/CD/X2",
 			"soft game /Game/__ExternalObjects__/Maps/Hall/1/EF/X3"}));
 	EXPECT_EQ(Session.Dependencies("/Game/__ExternalActors__/Maps/Hall/0/AB/X1"), FTexts{});
 }
