@@ -37,17 +37,18 @@ FQVText SetupText(std::string_view Key, std::string_view Source)
 
 void ShowIfSomethingIsMissing()
 {
-	if (FQVMapSetupChecklist::IsComplete(FQVMapSetupChecklist::Evaluate({})))
+	const FQVDiagnosticFindings Rows = FQVMapSetupChecklist::Evaluate({});
+	if (FQVMapSetupChecklist::ShouldShowAtStart(Rows))
+	{
+		FQVMapSetupWindow::Open();
+	}
+	else if (FQVMapSetupChecklist::IsComplete(Rows))
 	{
 		QVLog(EQVLogVerbosity::Log, "QVMap: Setup check passed - nothing to show");
 	}
-	else if (!FQVMapConfig::GetShowSetupOnStartup())
-	{
-		QVLog(EQVLogVerbosity::Log, "QVMap: Setup incomplete, but the startup window is disabled");
-	}
 	else
 	{
-		FQVMapSetupWindow::Open();
+		QVLog(EQVLogVerbosity::Log, "QVMap: Setup incomplete, but the startup window is disabled");
 	}
 }
 
